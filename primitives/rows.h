@@ -1,0 +1,47 @@
+// The row driver: it alone knows how rows are stepped over and how they end.
+#pragma once
+
+#include "frame/api.h"
+#include "primitives/simd.h"
+
+namespace n0 {
+
+// Rows of T that lie `step` bytes apart.
+template <typename T>
+struct Rows {
+    T* first;
+    Kpr64s step;
+
+    KPR_INLINE T* operator[](Kpr64s y) const {
+        using Byte = std::conditional_t<std::is_const_v<T>, const char, char>;
+        return reinterpret_cast<T*>(reinterpret_cast<Byte*>(first) + y * step);
+    }
+};
+
+template <typename T>
+Rows(T*, Kpr64s) -> Rows<T>;
+
+// Runs `kernel(part, pointers...)` along one row of `width` pixels, `lanes` pixels at a time; each pointer addresses
+// the part's first pixel. Every pixel is visited exactly once, so that a kernel may work in place.
+template <int lanes, typename Kernel, typename... T>
+KPR_INLINE void walkRow(Kpr64s width, Kernel kernel, T*... rows) {
+    Kpr64s x = 0;
+    for (; x + lanes <= width; x += lanes) kernel(All{}, (rows + x)...);
+    if (x < width) kernel(First{width - x}, (rows + x)...);
+}
+
+// The same over every row of a ROI, each image having one element a pixel. Images whose rows follow one another without
+// a gap are one long row: the result of a pixel does not depend on its column.
+template <int lanes, typename Size, typename Kernel, typename... T>
+KPR_INLINE KprStatus walkRoi(Size roi, Kernel kernel, Rows<T>... images) {
+    Kpr64s width = roi.width;
+    Kpr64s height = roi.height;
+    if (((images.step == width * Kpr64s{sizeof(T)}) && ...)) {
+        width *= height;
+        height = 1;
+    }
+    for (Kpr64s y = 0; y < height; ++y) walkRow<lanes>(width, kernel, images[y]...);
+    return kprStatusOk;
+}
+
+}  // namespace n0
