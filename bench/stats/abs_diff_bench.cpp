@@ -23,9 +23,8 @@ auto constant(Function function) {
 }
 
 // The rule as one would write it down, left to the compiler's scalar code.
-__attribute__((noinline, optimize("no-tree-vectorize"))) void plainAbsDiff(const Kpr8u* a, int aStep, const Kpr8u* b,
-                                                                           int bStep, Kpr8u* dst, int dstStep,
-                                                                           KprSize size) {
+[[gnu::noinline]] void plainAbsDiff(const Kpr8u* a, int aStep, const Kpr8u* b, int bStep, Kpr8u* dst, int dstStep,
+                                    KprSize size) {
     for (int y = 0; y < size.height; ++y, a += aStep, b += bStep, dst += dstStep) {
         for (int x = 0; x < size.width; ++x) dst[x] = static_cast<Kpr8u>(std::abs(a[x] - b[x]));
     }

@@ -35,8 +35,7 @@ auto masked(Pattern pattern, Function function, Extra... extra) {
     };
 }
 
-__attribute__((noinline, optimize("no-tree-vectorize"))) void plainAdd(const Kpr8u* src, int srcStep, Kpr32f* sum,
-                                                                       int sumStep, KprSize size) {
+[[gnu::noinline]] void plainAdd(const Kpr8u* src, int srcStep, Kpr32f* sum, int sumStep, KprSize size) {
     for (int y = 0; y < size.height; ++y, src += srcStep, sum += sumStep / 4) {
         for (int x = 0; x < size.width; ++x) sum[x] += static_cast<float>(src[x]);
     }

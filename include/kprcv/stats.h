@@ -13,9 +13,8 @@ extern "C" {
  * 8u and 16u are exact. 32f rounds the difference once and clears its sign, so that a NaN result has a clear sign bit.
  * The C3R form takes three interleaved channels; roiSize counts pixels.
  *
- * src1, src2, dst              pixels; dst may be the same image as either source, in any other way they must not overlap
- * src1Step, src2Step, dstStep  bytes from row to row
- * roiSize                      pixels; at least 1 x 1
+ * src1, src2, dst              pixels; dst may be the same image as either source, in any other way they must not
+ * overlap src1Step, src2Step, dstStep  bytes from row to row roiSize                      pixels; at least 1 x 1
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadStep, kprStatusStepNotMultiple (16u, 32f). */
 KprStatus kpriAbsDiff_8u_C1R(const Kpr8u* src1, int src1Step, const Kpr8u* src2, int src2Step, Kpr8u* dst, int dstStep,

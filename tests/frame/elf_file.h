@@ -23,9 +23,9 @@ class ElfFile {
     explicit ElfFile(const std::string& path);
 
     const std::vector<Elf64_Phdr>& segments() const { return segments_; }
-    const Elf64_Phdr* segment(std::uint32_t type) const;         // the first of its type, or null
-    const Elf64_Phdr* loaded(std::uint64_t address) const;       // the loaded segment that holds the address
-    bool readOnlyAfterLoad(std::uint64_t address) const;         // not writable, or within the RELRO range
+    const Elf64_Phdr* segment(std::uint32_t type) const;    // the first of its type, or null
+    const Elf64_Phdr* loaded(std::uint64_t address) const;  // the loaded segment that holds the address
+    bool readOnlyAfterLoad(std::uint64_t address) const;    // not writable, or within the RELRO range
 
     std::vector<std::uint64_t> dynamic(std::int64_t tag) const;  // every value of a dynamic tag
     std::string dynamicString(std::uint64_t offset) const;
@@ -34,8 +34,8 @@ class ElfFile {
     const std::map<std::string, Symbol>& exchanged() const { return exchanged_; }  // .dynsym
     const std::map<std::string, Symbol>& all() const { return all_; }              // .symtab
 
-    const std::uint8_t* at(std::uint64_t address) const;         // the file's bytes for a loaded address
-    std::map<std::uint32_t, std::uint32_t> properties() const;   // of the GNU property note
+    const std::uint8_t* at(std::uint64_t address) const;        // the file's bytes for a loaded address
+    std::map<std::uint32_t, std::uint32_t> properties() const;  // of the GNU property note
 
   private:
     template <typename T>

@@ -21,7 +21,8 @@ std::uint64_t loadBase() {
     std::uint64_t base = 0;
     dl_iterate_phdr(
         [](dl_phdr_info* info, std::size_t, void* out) {
-            if (std::strstr(info->dlpi_name, "libkprcvn0.so") != nullptr) *static_cast<std::uint64_t*>(out) = info->dlpi_addr;
+            if (std::strstr(info->dlpi_name, "libkprcvn0.so") != nullptr)
+                *static_cast<std::uint64_t*>(out) = info->dlpi_addr;
             return 0;
         },
         &base);
@@ -39,13 +40,14 @@ TEST(LibraryFile, ExportsTheEntriesAndNothingElse) {
 TEST(LibraryFile, ImportsAtMostTwoFunctions) {
     for (const auto& [name, symbol] : library().exchanged()) {
         if (symbol.defined) continue;
-        EXPECT_TRUE(name == "__stack_chk_fail" || (name == "kprGetMaxCacheSizeB" && symbol.binding == STB_WEAK)) << name;
+        EXPECT_TRUE(name == "__stack_chk_fail" || (name == "kprGetMaxCacheSizeB" && symbol.binding == STB_WEAK))
+            << name;
     }
     for (std::uint64_t needed : library().dynamic(DT_NEEDED)) EXPECT_EQ(library().dynamicString(needed), "libc.so.6");
 }
 
-// Each entry is one indirect jump through its slot; the slots follow one another in the order of the list, and the loader
-// fills each with the address of the body of the same name.
+// Each entry is one indirect jump through its slot; the slots follow one another in the order of the list, and the
+// loader fills each with the address of the body of the same name.
 TEST(LibraryFile, EntriesJumpThroughTheirSlots) {
     const std::uint64_t table = library().all().at("arraddr").address;
     std::map<std::uint64_t, Elf64_Rela> relocations;
@@ -61,7 +63,8 @@ TEST(LibraryFile, EntriesJumpThroughTheirSlots) {
         EXPECT_EQ(entry + 10 + static_cast<std::uint64_t>(std::int64_t{offset}), slot) << name;
         ASSERT_TRUE(relocations.contains(slot)) << name;
         EXPECT_EQ(ELF64_R_TYPE(relocations[slot].r_info), R_X86_64_RELATIVE) << name;
-        EXPECT_EQ(static_cast<std::uint64_t>(relocations[slot].r_addend), library().all().at("n0_" + name).address) << name;
+        EXPECT_EQ(static_cast<std::uint64_t>(relocations[slot].r_addend), library().all().at("n0_" + name).address)
+            << name;
         slot += 8;
     }
     EXPECT_FALSE(library().readOnlyAfterLoad(table));
@@ -70,11 +73,19 @@ TEST(LibraryFile, EntriesJumpThroughTheirSlots) {
 
 // Everything inside bears the target's tag, so that builds for other targets can live in the same process.
 TEST(LibraryFile, InnerSymbolsBearTheTag) {
-    const std::set<std::string> untagged = {"_init", "_fini", "arraddr", "memcpy", "memmove", "memset", "memcmp",
-                                            "__stack_chk_fail", "kprGetMaxCacheSizeB"};
+    const std::set<std::string> untagged = {"_init",
+                                            "_fini",
+                                            "arraddr",
+                                            "memcpy",
+                                            "memmove",
+                                            "memset",
+                                            "memcmp",
+                                            "__stack_chk_fail",
+                                            "kprGetMaxCacheSizeB"};
     for (const auto& [name, symbol] : library().all()) {
         if (symbol.type != STT_FUNC || library().exchanged().contains(name) || untagged.contains(name)) continue;
-        EXPECT_TRUE(name.starts_with("n0_") || name.starts_with("_ZN2n0") || name.find("N2n0") != std::string::npos) << name;
+        EXPECT_TRUE(name.starts_with("n0_") || name.starts_with("_ZN2n0") || name.find("N2n0") != std::string::npos)
+            << name;
     }
 }
 

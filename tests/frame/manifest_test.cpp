@@ -16,7 +16,8 @@ namespace {
 std::set<std::string> namesIn(const std::string& folder, const std::string& pattern) {
     std::set<std::string> names;
     const std::regex name(pattern);
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(std::string(KPRCV_SOURCE_DIR "/") + folder)) {
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(std::string(KPRCV_SOURCE_DIR "/") + folder)) {
         const std::string extension = entry.path().extension().string();
         if (extension != ".h" && extension != ".c" && extension != ".cpp") continue;
         std::ifstream file(entry.path());
