@@ -8,6 +8,10 @@ add_library(kprcv_objects OBJECT
     frame/version.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
+    stats/mean.cpp
+    stats/norm.cpp
+    stats/norm_diff.cpp
+    stats/norm_rel.cpp
 )
 target_include_directories(kprcv_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 set_target_properties(kprcv_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)

@@ -1,7 +1,7 @@
 // The vector layer: 64-byte vectors of every element type under plain names. No other file knows the instruction set.
 //
-// A kernel is written once, over a `part` that says which lanes of a step take part: All of them, or the First few of a
-// row's last step. Loads and stores under First touch no byte beyond those lanes; lanes that were not loaded hold zero.
+// A kernel is written once, over a `part` that says which lanes of a step take part: All of them, the First few of a
+// row's last step, or any Lanes. Loads and stores touch no byte of other lanes; lanes that were not loaded hold zero.
 // Integer lanes wrap, float lanes round to nearest even.
 #pragma once
 
@@ -40,9 +40,13 @@ using Bits64 = unsigned long long;
 
 struct All {};
 
-struct First {
+// Any lanes, one bit each, the lowest for the first.
+struct Lanes {
     Bits64 bits;
-    KPR_INLINE explicit First(Kpr64s lanes) : bits(_bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes))) {}
+};
+
+struct First : Lanes {
+    KPR_INLINE explicit First(Kpr64s lanes) : Lanes{_bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes))} {}
 };
 
 // ---- between vectors and the processor's own types
@@ -74,11 +78,23 @@ KPR_INLINE Vec<T> load(const T* src, All) {
 }
 
 template <typename T>
-KPR_INLINE Vec<T> load(const T* src, First part) {
+KPR_INLINE Vec<T> load(const T* src, Lanes part) {
     if constexpr (sizeof(T) == 1) return vec<T>(_mm512_maskz_loadu_epi8(part.bits, src));
     if constexpr (sizeof(T) == 2) return vec<T>(_mm512_maskz_loadu_epi16(static_cast<__mmask32>(part.bits), src));
     if constexpr (sizeof(T) == 4) return vec<T>(_mm512_maskz_loadu_epi32(static_cast<__mmask16>(part.bits), src));
     if constexpr (sizeof(T) == 8) return vec<T>(_mm512_maskz_loadu_epi64(static_cast<__mmask8>(part.bits), src));
+}
+
+// The same, but that lanes which are not loaded keep what `under` has.
+template <typename T>
+KPR_INLINE Vec<T> loadOver(Vec<T> under, const T* src, Lanes part) {
+    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_mask_loadu_epi8(bits(under), part.bits, src));
+    if constexpr (sizeof(T) == 2) {
+        return vec<T>(_mm512_mask_loadu_epi16(bits(under), static_cast<__mmask32>(part.bits), src));
+    }
+    if constexpr (sizeof(T) == 4) {
+        return as<T>(vec<Kpr32s>(_mm512_mask_loadu_epi32(bits(under), static_cast<__mmask16>(part.bits), src)));
+    }
 }
 
 template <typename T>
@@ -87,7 +103,7 @@ KPR_INLINE void store(T* dst, Vec<T> v, All) {
 }
 
 template <typename T>
-KPR_INLINE void store(T* dst, Vec<T> v, First part) {
+KPR_INLINE void store(T* dst, Vec<T> v, Lanes part) {
     if constexpr (sizeof(T) == 1) _mm512_mask_storeu_epi8(dst, part.bits, bits(v));
     if constexpr (sizeof(T) == 2) _mm512_mask_storeu_epi16(dst, static_cast<__mmask32>(part.bits), bits(v));
     if constexpr (sizeof(T) == 4) _mm512_mask_storeu_epi32(dst, static_cast<__mmask16>(part.bits), bits(v));
@@ -172,7 +188,53 @@ KPR_INLINE Vec<Kpr32f> fma(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
     return vec(_mm512_fmadd_ps(ps(a), ps(b), ps(c)));
 }
 
+KPR_INLINE Vec<Kpr32f> abs(Vec<Kpr32f> v) { return vec(_mm512_abs_ps(ps(v))); }
+
+// Unsigned lanes, moved towards their lowest bit.
+template <int count, typename T>
+KPR_INLINE Vec<T> shiftRight(Vec<T> v) {
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_srli_epi16(bits(v), count));
+    if constexpr (sizeof(T) == 8) return vec<T>(_mm512_srli_epi64(bits(v), count));
+}
+
+// Lane i is v's lane from[i].
+KPR_INLINE Vec<Kpr32f> permute(Vec<Kpr32f> v, Vec<Kpr32s> from) {
+    return vec(_mm512_permutexvar_ps(bits(from), ps(v)));
+}
+
+// ---- sums into wider lanes
+
+// Of eight neighbouring bytes each.
+KPR_INLINE Vec<Kpr64s> sumOfBytes(Vec<Kpr8u> v) {
+    return vec<Kpr64s>(_mm512_sad_epu8(bits(v), _mm512_setzero_si512()));
+}
+KPR_INLINE Vec<Kpr64s> sumOfAbsDiff(Vec<Kpr8u> a, Vec<Kpr8u> b) {
+    return vec<Kpr64s>(_mm512_sad_epu8(bits(a), bits(b)));
+}
+
+// a0 * b0 + a1 * b1 of neighbouring lanes; the one sum that exceeds a signed lane, of four -32768, wraps to an unsigned
+// 2^31.
+KPR_INLINE Vec<Kpr32s> dotPairs(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr32s>(_mm512_madd_epi16(bits(a), bits(b)));
+}
+
+// The two unsigned lanes in each place of a 64-bit lane.
+KPR_INLINE Vec<Kpr64s> sumPairs(Vec<Kpr32s> v) {
+    const auto pairs = as<Kpr64s>(v);
+    return (pairs & broadcast<Kpr64s>(0xffffffff)) + shiftRight<32>(pairs);
+}
+
+// Eight of the sixteen lanes, the lower or the upper ones.
+template <int which>
+KPR_INLINE Vec<Kpr64f> half(Vec<Kpr32f> v) {
+    if constexpr (which == 0) return vec(_mm512_cvtps_pd(_mm512_castps512_ps256(ps(v))));
+    if constexpr (which == 1) return vec(_mm512_cvtps_pd(_mm512_extractf32x8_ps(ps(v), 1)));
+}
+
 // ---- masks
+
+// As many of the set bits of `where`, from the lowest on, as `bits` says one by one.
+KPR_INLINE Bits64 scatterBits(Bits64 bits, Bits64 where) { return _pdep_u64(bits, where); }
 
 // A lane of T for each byte of `src`, set where the byte is not zero.
 template <typename T, typename Part>
@@ -209,7 +271,7 @@ KPR_INLINE auto loadNarrow(const T* src, All) {
 }
 
 template <int lanes, typename T>
-KPR_INLINE auto loadNarrow(const T* src, First part) {
+KPR_INLINE auto loadNarrow(const T* src, Lanes part) {
     if constexpr (lanes * sizeof(T) <= 16) {
         const auto mask = static_cast<__mmask16>(part.bits);
         if constexpr (sizeof(T) == 1) return _mm_maskz_loadu_epi8(mask, src);
@@ -230,7 +292,7 @@ KPR_INLINE void storeNarrow(T* dst, Narrow v, All) {
 }
 
 template <int lanes, typename T, typename Narrow>
-KPR_INLINE void storeNarrow(T* dst, Narrow v, First part) {
+KPR_INLINE void storeNarrow(T* dst, Narrow v, Lanes part) {
     if constexpr (lanes * sizeof(T) <= 16) {
         const auto mask = static_cast<__mmask16>(part.bits);
         if constexpr (sizeof(T) == 1) _mm_mask_storeu_epi8(dst, mask, v);
