@@ -6,6 +6,9 @@
 
 add_library(kprcv_objects OBJECT
     frame/version.cpp
+    primitives/math.cpp
+    primitives/sort.cpp
+    primitives/vector_math.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
     stats/mean.cpp

@@ -107,7 +107,7 @@ KprStatus meanAndDeviationOf(const Plane& plane, Selection selection, KprSize ro
     const Kpr64f average = sums.count == 0 ? 0.0 : sums.moments.sumValue() / count;
     const Kpr64f square = sums.count == 0 ? 0.0 : sums.moments.squaresValue() / count;
     if (mean != nullptr) *mean = average;
-    if (stdDev != nullptr) *stdDev = kprsSqrtOne(kprsFabsOne(__builtin_fma(-average, average, square)));
+    if (stdDev != nullptr) *stdDev = kprsSqrtOne(kprsFabsOne(fma(-average, average, square)));
     return kprStatusOk;
 }
 
