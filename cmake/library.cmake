@@ -6,12 +6,14 @@
 
 add_library(kprcv_objects OBJECT
     frame/version.cpp
+    primitives/extrema.cpp
     primitives/math.cpp
     primitives/sort.cpp
     primitives/vector_math.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
     stats/mean.cpp
+    stats/min_max.cpp
     stats/norm.cpp
     stats/norm_diff.cpp
     stats/norm_rel.cpp

@@ -1,6 +1,9 @@
 // The row driver: it alone knows how rows are stepped over and how they end.
 #pragma once
 
+#include <bit>
+#include <utility>
+
 #include "frame/api.h"
 #include "primitives/simd.h"
 
@@ -40,7 +43,49 @@ KPR_INLINE void walkRow(Kpr64s width, Kernel kernel, T*... rows) {
     walkColumns<lanes>(width, [=](auto part, Kpr64s x) { kernel(part, (rows + x)...); });
 }
 
-// The same over every row of a ROI, each image having one element a pixel. Images whose rows follow one another without
+// step(Turn<0>{}), step(Turn<1>{}) ...: a loop of which the compiler knows every index from the start.
+template <int index>
+using Turn = std::integral_constant<int, index>;
+
+template <int turns, typename Step>
+KPR_INLINE void takeTurns(Step step) {
+    [&]<int... turn>(std::integer_sequence<int, turn...>) __attribute__((always_inline)) { (step(Turn<turn>{}), ...); }
+    (std::make_integer_sequence<int, turns>{});
+}
+
+// Runs `kernel(part, turn, pointers...)` likewise for a kernel that keeps `turns` accumulators: steps take turns from
+// the row's start.
+template <int lanes, int turns, typename Kernel, typename... T>
+KPR_INLINE void walkRowInTurns(Kpr64s width, Kernel kernel, T*... rows) {
+    Kpr64s x = 0;
+    for (; x + turns * lanes <= width; x += turns * lanes) {
+        takeTurns<turns>([&](auto turn) { kernel(All{}, turn, (rows + x + turn * lanes)...); });
+    }
+    takeTurns<turns>([&](auto turn) {
+        if (x + lanes <= width) {
+            kernel(All{}, turn, (rows + x)...);
+        } else if (x < width) {
+            kernel(First{width - x}, turn, (rows + x)...);
+        }
+        x += lanes;
+    });
+}
+
+// The first x at which `test(part, pointers...)`, a mask of lanes, is set in one row; -1 where there is none.
+template <int lanes, typename Test, typename... T>
+KPR_INLINE Kpr64s searchRow(Kpr64s width, Test test, T*... rows) {
+    Kpr64s x = 0;
+    for (; x + lanes <= width; x += lanes) {
+        if (const Bits64 hits = test(All{}, (rows + x)...)) return x + std::countr_zero(hits);
+    }
+    if (x < width) {
+        const First part(width - x);
+        if (const Bits64 hits = test(part, (rows + x)...) & part.bits) return x + std::countr_zero(hits);
+    }
+    return -1;
+}
+
+// walkRow over every row of a ROI, each image having one element a pixel. Images whose rows follow one another without
 // a gap are one long row: the result of a pixel does not depend on its column.
 template <int lanes, typename Size, typename Kernel, typename... T>
 KPR_INLINE KprStatus walkRoi(Size roi, Kernel kernel, Rows<T>... images) {

@@ -94,16 +94,19 @@ KPR_INLINE Vec<T> load(const T* src, Lanes part) {
     if constexpr (sizeof(T) == 8) return vec<T>(_mm512_maskz_loadu_epi64(static_cast<__mmask8>(part.bits), src));
 }
 
-// The same, but that lanes which are not loaded keep what `under` has.
+// The same, but that lanes which are not loaded hold what `others` has.
 template <typename T>
-KPR_INLINE Vec<T> loadOver(Vec<T> under, const T* src, Lanes part) {
-    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_mask_loadu_epi8(bits(under), part.bits, src));
-    if constexpr (sizeof(T) == 2) {
-        return vec<T>(_mm512_mask_loadu_epi16(bits(under), static_cast<__mmask32>(part.bits), src));
-    }
-    if constexpr (sizeof(T) == 4) {
-        return as<T>(vec<Kpr32s>(_mm512_mask_loadu_epi32(bits(under), static_cast<__mmask16>(part.bits), src)));
-    }
+KPR_INLINE Vec<T> load(const T* src, All, Vec<T> /*others*/) {
+    return load(src, All{});
+}
+
+template <typename T>
+KPR_INLINE Vec<T> load(const T* src, Lanes part, Vec<T> others) {
+    const __m512i o = bits(others);
+    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_mask_loadu_epi8(o, part.bits, src));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_mask_loadu_epi16(o, static_cast<__mmask32>(part.bits), src));
+    if constexpr (sizeof(T) == 4) return vec<T>(_mm512_mask_loadu_epi32(o, static_cast<__mmask16>(part.bits), src));
+    if constexpr (sizeof(T) == 8) return vec<T>(_mm512_mask_loadu_epi64(o, static_cast<__mmask8>(part.bits), src));
 }
 
 template <typename T>
@@ -132,6 +135,37 @@ KPR_INLINE Vec<T> broadcast(T value) {
 template <typename T>
 KPR_INLINE Vec<T> zero() {
     return vec<T>(_mm512_setzero_si512());
+}
+
+// The lanes of v that the part has, those of `others` elsewhere.
+template <typename T>
+KPR_INLINE Vec<T> merge(All, Vec<T> v, Vec<T> /*others*/) {
+    return v;
+}
+template <typename T>
+KPR_INLINE Vec<T> merge(Lanes part, Vec<T> v, Vec<T> others) {
+    return select(static_cast<Mask<T>>(part.bits), v, others);
+}
+
+template <typename T>
+KPR_INLINE T firstLane(Vec<T> v) {
+    return v.raw[0];
+}
+
+// Lanes moved down by so many bytes, those that fall out coming in above: within the whole vector where that is a
+// multiple of 16 bytes, within each of its quarters where it is less.
+template <int bytes, typename T>
+KPR_INLINE Vec<T> rotate(Vec<T> v) {
+    if constexpr (bytes % 16 == 0) return vec<T>(_mm512_alignr_epi64(bits(v), bits(v), bytes / 8));
+    if constexpr (bytes < 16) return vec<T>(_mm512_alignr_epi8(bits(v), bits(v), bytes));
+}
+
+// choose(a, b) over all lanes, the result in every lane.
+template <int bytes = 32, typename T, typename Choice>
+KPR_INLINE Vec<T> fold(Vec<T> v, Choice choose) {
+    const Vec<T> half = choose(v, rotate<bytes>(v));
+    if constexpr (bytes > sizeof(T)) return fold<bytes / 2>(half, choose);
+    return half;
 }
 
 // ---- arithmetic, lane by lane

@@ -50,7 +50,7 @@ struct Sum<Kpr16u> {
 template <>
 struct Sum<Kpr32f> {
     Vec<Kpr32f> row[2] = {zero<Kpr32f>(), zero<Kpr32f>()};
-    Vec<Kpr64f> total[4] = {zero<Kpr64f>(), zero<Kpr64f>(), zero<Kpr64f>(), zero<Kpr64f>()};
+    Vec<Kpr64f> total[2][2] = {};  // of each, the lower and the upper lanes
 
     KPR_INLINE void add(const Step<Kpr32f>& step) {
         row[0] = row[0] + step.v[0];
@@ -58,13 +58,14 @@ struct Sum<Kpr32f> {
     }
     KPR_INLINE void widen() {
         for (int i = 0; i < 2; ++i) {
-            total[2 * i] = total[2 * i] + half<0>(row[i]);
-            total[2 * i + 1] = total[2 * i + 1] + half<1>(row[i]);
+            total[i][0] = total[i][0] + half<0>(row[i]);
+            total[i][1] = total[i][1] + half<1>(row[i]);
             row[i] = zero<Kpr32f>();
         }
     }
     KPR_INLINE Kpr64f value() const {
-        return ((sumOfLanes(total[0]) + sumOfLanes(total[1])) + sumOfLanes(total[2])) + sumOfLanes(total[3]);
+        return ((sumOfLanes(total[0][0]) + sumOfLanes(total[0][1])) + sumOfLanes(total[1][0])) +
+               sumOfLanes(total[1][1]);
     }
 };
 

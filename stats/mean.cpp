@@ -73,8 +73,8 @@ struct Moments<Kpr32f> {
         both.add({{a + b, fma(a, a, b * b)}});
     }
     KPR_INLINE void widen() { both.widen(); }
-    KPR_INLINE Kpr64f sumValue() const { return sumOfLanes(both.total[0]) + sumOfLanes(both.total[1]); }
-    KPR_INLINE Kpr64f squaresValue() const { return sumOfLanes(both.total[2]) + sumOfLanes(both.total[3]); }
+    KPR_INLINE Kpr64f sumValue() const { return sumOfLanes(both.total[0][0]) + sumOfLanes(both.total[0][1]); }
+    KPR_INLINE Kpr64f squaresValue() const { return sumOfLanes(both.total[1][0]) + sumOfLanes(both.total[1][1]); }
 };
 
 template <typename T>

@@ -1,7 +1,7 @@
 // Reductions over the selected pixels of an image: every statistic is a visitor that is shown them a step at a time.
 //
 // A plane is the one channel of an image or the chosen one of three. What a visitor sees of either is alike: a step of
-// pixels in which those that are not selected hold zero and are not even read.
+// pixels in which those that are not selected hold zero, or what `other` has in their lanes, and are not even read.
 #pragma once
 
 #include <algorithm>
@@ -37,12 +37,13 @@ struct Plane {
     Rows<const T> rows;
 
     KPR_INLINE bool gapless(Kpr64s width) const { return rows.gapless(width); }
+    KPR_INLINE T pixel(Kpr64s y, Kpr64s x) const { return rows[y][x]; }
 
-    template <typename Selected>
-    KPR_INLINE Step<T> read(Kpr64s y, Kpr64s x, Selected selected) const {
+    template <typename Selected, typename... Other>
+    KPR_INLINE Step<T> read(Kpr64s y, Kpr64s x, Selected selected, Other... other) const {
         Step<T> step;
         for (int i = 0; i < kVectors<T>; ++i) {
-            step.v[i] = load(rows[y] + x + i * kLanes<T>, lanesOf(selected, i, kLanes<T>));
+            step.v[i] = load(rows[y] + x + i * kLanes<T>, lanesOf(selected, i, kLanes<T>), other...);
         }
         return step;
     }
@@ -58,38 +59,40 @@ struct PlaneOfThree {
     using Element = T;
 
     Rows<const T> rows;
+    int channel;         // from 0
     Bits64 lanes[3];     // of each vector, the lanes that bear the channel
     int before[3];       // and how many the vectors before it have
     Vec<Kpr32s> pixels;  // the lane of each pixel, for floats
 
-    PlaneOfThree(const T* src, int step, int coi) : rows{src, step} {
+    PlaneOfThree(const T* src, int step, int coi) : rows{src, step}, channel(coi - 1) {
         constexpr Bits64 everyThird = 0x9249249249249249;
         for (int v = 0; v < 3; ++v) {
-            const int first = (coi - 1 + v * (3 - kLanes<T> % 3)) % 3;
-            lanes[v] = (everyThird << first) & First{kLanes<T>}.bits;
+            const int first = (channel + v * (3 - kLanes<T> % 3)) % 3;
+            lanes[v] = static_cast<Mask<T>>(everyThird << first);
             before[v] = v == 0 ? 0 : before[v - 1] + std::popcount(lanes[v - 1]);
         }
         if constexpr (std::is_floating_point_v<T>) {
-            for (int p = 0; p < kLanes<T>; ++p) pixels.raw[p] = (3 * p + coi - 1) % kLanes<T>;
+            for (int p = 0; p < kLanes<T>; ++p) pixels.raw[p] = (3 * p + channel) % kLanes<T>;
         }
     }
 
     KPR_INLINE bool gapless(Kpr64s width) const { return rows.gapless(3 * width); }
+    KPR_INLINE T pixel(Kpr64s y, Kpr64s x) const { return rows[y][3 * x + channel]; }
 
     KPR_INLINE Lanes bearing(All, int v) const { return {lanes[v]}; }
     KPR_INLINE Lanes bearing(Lanes selected, int v) const {
         return {scatterBits(selected.bits >> before[v], lanes[v])};
     }
 
-    template <typename Selected>
-    KPR_INLINE Step<T> read(Kpr64s y, Kpr64s x, Selected selected) const {
+    template <typename Selected, typename... Other>
+    KPR_INLINE Step<T> read(Kpr64s y, Kpr64s x, Selected selected, Other... other) const {
         Step<T> step;
         for (int i = 0; i < kVectors<T>; ++i) {
             const T* src = rows[y] + 3 * (x + i * kLanes<T>);
             const auto part = lanesOf(selected, i, kLanes<T>);
-            Vec<T> v = load(src, bearing(part, 0));
-            v = loadOver(v, src + kLanes<T>, bearing(part, 1));
-            v = loadOver(v, src + 2 * kLanes<T>, bearing(part, 2));
+            Vec<T> v = load(src, bearing(part, 0), other...);
+            v = load(src + kLanes<T>, bearing(part, 1), v);
+            v = load(src + 2 * kLanes<T>, bearing(part, 2), v);
             if constexpr (std::is_floating_point_v<T>) v = permute(v, pixels);
             step.v[i] = v;
         }
@@ -99,10 +102,10 @@ struct PlaneOfThree {
 
 // What selects: nothing but the ROI, or a mask's bytes that are not zero.
 struct Everything {
-    KPR_INLINE bool gapless(Kpr64s) const { return true; }
+    KPR_INLINE static bool gapless(Kpr64s) { return true; }
 
     template <typename T, typename Part>
-    KPR_INLINE Part select(Kpr64s, Kpr64s, Part part) const {
+    KPR_INLINE static Part select(Kpr64s, Kpr64s, Part part) {
         return part;
     }
 };
@@ -111,6 +114,7 @@ struct Masked {
     Rows<const Kpr8u> rows;
 
     KPR_INLINE bool gapless(Kpr64s width) const { return rows.gapless(width); }
+    KPR_INLINE bool selects(Kpr64s y, Kpr64s x) const { return rows[y][x] != 0; }
 
     template <typename T, typename Part>
     KPR_INLINE Lanes select(Kpr64s y, Kpr64s x, Part part) const {

@@ -67,7 +67,35 @@ void addPair(const std::string& name, F f) {
     });
 }
 
+struct Extrema {
+    Kpr32f low, high;
+    KprPoint lowAt, highAt;
+};
+
+template <typename T, typename F>
+void addExtrema(const std::string& name, F f) {
+    add<T>(name, sizeof(T), 1, false, [=](const Inputs<T>& in, KprSize size, Results&) {
+        Extrema out;
+        f(in.first.data(), in.first.step(), size, &out.low, &out.high, &out.lowAt, &out.highAt);
+        benchmark::DoNotOptimize(out);
+    });
+}
+template <typename T, typename F>
+void addMaskedExtrema(const std::string& name, F f) {
+    add<T>(name, sizeof(T) + 1, 1, true, [=](const Inputs<T>& in, KprSize size, Results&) {
+        Extrema out;
+        f(in.first.data(), in.first.step(), in.mask.data(), in.mask.step(), size, &out.low, &out.high, &out.lowAt,
+          &out.highAt);
+        benchmark::DoNotOptimize(out);
+    });
+}
+
 const bool registered = [] {
+    addExtrema<Kpr8u>("MinMaxIndx_8u_C1R", kpriMinMaxIndx_8u_C1R);
+    addExtrema<Kpr16u>("MinMaxIndx_16u_C1R", kpriMinMaxIndx_16u_C1R);
+    addExtrema<Kpr32f>("MinMaxIndx_32f_C1R", kpriMinMaxIndx_32f_C1R);
+    addMaskedExtrema<Kpr8u>("MinMaxIndx_8u_C1MR", kpriMinMaxIndx_8u_C1MR);
+    addMaskedExtrema<Kpr32f>("MinMaxIndx_32f_C1MR", kpriMinMaxIndx_32f_C1MR);
     addMean<Kpr8u>("Mean_8u_C1MR", kpriMean_8u_C1MR);
     addMean<Kpr16u>("Mean_16u_C1MR", kpriMean_16u_C1MR);
     addMean<Kpr32f>("Mean_32f_C1MR", kpriMean_32f_C1MR);

@@ -170,6 +170,47 @@ KprStatus kpriMean_StdDev_16u_C3CMR(const Kpr16u* src, int srcStep, const Kpr8u*
 KprStatus kpriMean_StdDev_32f_C3CMR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                     int coi, Kpr64f* mean, Kpr64f* stdDev);
 
+/* Smallest and largest pixel and their positions. Values are given as Kpr32f, exactly; a position is the first in
+ * row-major order that holds the extremum. A NaN wins over nothing; where all is NaN, the first of them is the result.
+ *
+ * src, srcStep, mask, maskStep, roiSize, coi   as in kpriMean
+ * minValue, maxValue   receive the extrema
+ * minIndex, maxIndex   receive their positions, in pixels of the ROI
+ *
+ * In the forms without a mask at least one of minValue and maxValue must be given, which is not checked; an index is
+ * written only beside its value. In the masked forms each of the four may be null; where the mask selects no pixel the
+ * values are 0 and the positions (0, 0).
+ *
+ * Returns kprStatusOk or, as kpriMean, an error. The masked forms also return the warning kprStatusNoMaskedPixels,
+ * which they infer from what was asked for: with minIndex (or else maxIndex) given, when its x is 0 and the first mask
+ * byte is 0, which may be said of an extremum that lies in column 0; else with minValue given, when the given values
+ * are 0 and the mask selects nothing; else with maxValue given, always; with nothing given, when the mask selects
+ * nothing. */
+KprStatus kpriMinMaxIndx_8u_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr32f* minValue, Kpr32f* maxValue,
+                                KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_16u_C1R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr32f* minValue, Kpr32f* maxValue,
+                                 KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* minValue, Kpr32f* maxValue,
+                                 KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_8u_C3CR(const Kpr8u* src, int srcStep, KprSize roiSize, int coi, Kpr32f* minValue,
+                                 Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_16u_C3CR(const Kpr16u* src, int srcStep, KprSize roiSize, int coi, Kpr32f* minValue,
+                                  Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_32f_C3CR(const Kpr32f* src, int srcStep, KprSize roiSize, int coi, Kpr32f* minValue,
+                                  Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_8u_C1MR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
+                                 Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_16u_C1MR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
+                                  Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_32f_C1MR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
+                                  Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_8u_C3CMR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
+                                  int coi, Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_16u_C3CMR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
+                                   int coi, Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex);
+KprStatus kpriMinMaxIndx_32f_C3CMR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
+                                   int coi, Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex);
+
 /* Norms of the selected pixels, in double precision: the largest |src| (Inf), the sum of |src| (L1), the square root of
  * the sum of src * src (L2); 0 where no pixel is selected. A selected NaN makes L1 and L2 NaN and is passed over by
  * Inf.
