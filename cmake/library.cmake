@@ -5,6 +5,7 @@
 #                   the entries stand in for it.
 
 add_library(kprcv_objects OBJECT
+    frame/cache.cpp
     frame/version.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
