@@ -1,7 +1,7 @@
 // The vector layer: 64-byte vectors of every element type under plain names. No other file knows the instruction set.
 //
-// A kernel is written once, over a `part` that says which lanes of a step take part: All of them, or the First few of a
-// row's last step. Loads and stores under First touch no byte beyond those lanes; lanes that were not loaded hold zero.
+// A kernel is written once, over a `part` that says which lanes of a step take part: All of them, the First few of a
+// row's last step, or any Lanes. Loads and stores touch no byte of other lanes; lanes that were not loaded hold zero.
 // Integer lanes wrap, float lanes round to nearest even.
 #pragma once
 
@@ -40,10 +40,20 @@ using Bits64 = unsigned long long;
 
 struct All {};
 
-struct First {
+// Any lanes, one bit each, the lowest for the first.
+struct Lanes {
     Bits64 bits;
-    KPR_INLINE explicit First(Kpr64s lanes) : bits(_bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes))) {}
 };
+
+struct First : Lanes {
+    KPR_INLINE explicit First(Kpr64s lanes) { bits = _bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes)); }
+};
+
+// All, of a destination that lies on a 64-byte boundary: whole vectors are stored past the cache.
+struct Streamed : All {};
+
+KPR_INLINE Lanes operator&(All, Lanes b) { return b; }
+KPR_INLINE Lanes operator&(Lanes a, Lanes b) { return {a.bits & b.bits}; }
 
 // ---- between vectors and the processor's own types
 
@@ -74,7 +84,7 @@ KPR_INLINE Vec<T> load(const T* src, All) {
 }
 
 template <typename T>
-KPR_INLINE Vec<T> load(const T* src, First part) {
+KPR_INLINE Vec<T> load(const T* src, Lanes part) {
     if constexpr (sizeof(T) == 1) return vec<T>(_mm512_maskz_loadu_epi8(part.bits, src));
     if constexpr (sizeof(T) == 2) return vec<T>(_mm512_maskz_loadu_epi16(static_cast<__mmask32>(part.bits), src));
     if constexpr (sizeof(T) == 4) return vec<T>(_mm512_maskz_loadu_epi32(static_cast<__mmask16>(part.bits), src));
@@ -87,11 +97,36 @@ KPR_INLINE void store(T* dst, Vec<T> v, All) {
 }
 
 template <typename T>
-KPR_INLINE void store(T* dst, Vec<T> v, First part) {
+KPR_INLINE void store(T* dst, Vec<T> v, Lanes part) {
     if constexpr (sizeof(T) == 1) _mm512_mask_storeu_epi8(dst, part.bits, bits(v));
     if constexpr (sizeof(T) == 2) _mm512_mask_storeu_epi16(dst, static_cast<__mmask32>(part.bits), bits(v));
     if constexpr (sizeof(T) == 4) _mm512_mask_storeu_epi32(dst, static_cast<__mmask16>(part.bits), bits(v));
     if constexpr (sizeof(T) == 8) _mm512_mask_storeu_epi64(dst, static_cast<__mmask8>(part.bits), bits(v));
+}
+
+template <typename T>
+KPR_INLINE void store(T* dst, Vec<T> v, Streamed) {
+    _mm512_stream_si512(reinterpret_cast<__m512i*>(dst), bits(v));
+}
+
+// Streamed stores come before whatever is stored from here on.
+KPR_INLINE void endStreaming() { _mm_sfence(); }
+
+// kLanes<T> pixels of three channels, in the elements of a, b and c one after another.
+template <typename T>
+KPR_INLINE void storePixels(T* dst, Vec<T> a, Vec<T> b, Vec<T> c, All part) {
+    store(dst, a, part);
+    store(dst + kLanes<T>, b, part);
+    store(dst + 2 * kLanes<T>, c, part);
+}
+
+template <typename T>
+KPR_INLINE void storePixels(T* dst, Vec<T> a, Vec<T> b, Vec<T> c, First part) {
+    const Kpr64s elements = 3 * _mm_popcnt_u64(part.bits);
+    const auto after = [=](Kpr64s count) { return First{elements > count ? elements - count : 0}; };
+    store(dst, a, after(0));
+    store(dst + kLanes<T>, b, after(kLanes<T>));
+    store(dst + 2 * kLanes<T>, c, after(2 * kLanes<T>));
 }
 
 template <typename T>
@@ -136,6 +171,38 @@ KPR_INLINE Vec<T> operator&(Vec<T> a, Vec<T> b) {
     return vec<T>(_mm512_and_si512(bits(a), bits(b)));
 }
 
+// The nearest value of T's range to a - b.
+template <typename T>
+KPR_INLINE Vec<T> subtractSaturated(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return vec<T>(_mm512_subs_epu8(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_subs_epu16(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, Kpr16s>) return vec<T>(_mm512_subs_epi16(bits(a), bits(b)));
+}
+
+// Integer lanes of up to 4 bytes moved by 0 to 31 bits, which may be all they have; those of a signed type keep their
+// sign on the way right.
+template <typename T>
+KPR_INLINE Vec<T> operator<<(Vec<T> v, int count) {
+    static_assert(std::is_integral_v<T> && sizeof(T) <= 4);
+    const __m128i n = _mm_cvtsi32_si128(count);
+    if constexpr (sizeof(T) == 4) return vec<T>(_mm512_sll_epi32(bits(v), n));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_sll_epi16(bits(v), n));
+    if constexpr (sizeof(T) == 1) {  // in pairs, without what crossed over from the neighbour
+        return vec<T>(_mm512_sll_epi16(bits(v), n)) & broadcast(static_cast<T>(Bits64{0xff} << count));
+    }
+}
+template <typename T>
+KPR_INLINE Vec<T> operator>>(Vec<T> v, int count) {
+    static_assert(std::is_unsigned_v<T> ? sizeof(T) <= 4 : sizeof(T) == 4);
+    const __m128i n = _mm_cvtsi32_si128(count);
+    if constexpr (std::is_signed_v<T>) return vec<T>(_mm512_sra_epi32(bits(v), n));
+    if constexpr (std::is_unsigned_v<T> && sizeof(T) == 4) return vec<T>(_mm512_srl_epi32(bits(v), n));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_srl_epi16(bits(v), n));
+    if constexpr (sizeof(T) == 1) {
+        return vec<T>(_mm512_srl_epi16(bits(v), n)) & broadcast(static_cast<T>(0xff >> count));
+    }
+}
+
 // a where a < b, else b: of floats, b where either is a NaN.
 template <typename T>
 KPR_INLINE Vec<T> min(Vec<T> a, Vec<T> b) {
@@ -172,7 +239,52 @@ KPR_INLINE Vec<Kpr32f> fma(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
     return vec(_mm512_fmadd_ps(ps(a), ps(b), ps(c)));
 }
 
+// v * 2^exponent, rounded once; an exponent may be any integer.
+KPR_INLINE Vec<Kpr32f> timesPowerOf2(Vec<Kpr32f> v, Vec<Kpr32f> exponent) {
+    return vec(_mm512_scalef_ps(ps(v), ps(exponent)));
+}
+
+// To the nearest integer, ties to even, or to the one next to it on the side of zero.
+KPR_INLINE Vec<Kpr32s> toInteger(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvtps_epi32(ps(v))); }
+KPR_INLINE Vec<Kpr32s> truncate(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvttps_epi32(ps(v))); }
+
+// The lanes of a vector, widened, in an order of their own that `narrow` undoes.
+struct Widened {
+    Vec<Kpr32s> some;
+    Vec<Kpr32s> others;
+};
+
+KPR_INLINE Widened multiplyWide(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    const __m512i low = _mm512_mullo_epi16(bits(a), bits(b));
+    const __m512i high = _mm512_mulhi_epi16(bits(a), bits(b));
+    return {vec<Kpr32s>(_mm512_unpacklo_epi16(low, high)), vec<Kpr32s>(_mm512_unpackhi_epi16(low, high))};
+}
+
+// Each lane the nearest value of its new range.
+KPR_INLINE Vec<Kpr16s> narrow(Widened v) { return vec<Kpr16s>(_mm512_packs_epi32(bits(v.some), bits(v.others))); }
+
+// Lane i is v's lane from[i].
+template <typename T>
+KPR_INLINE Vec<T> permute(Vec<T> v, Vec<T> from) {
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_permutexvar_epi16(bits(from), bits(v)));
+    if constexpr (sizeof(T) == 4) return vec<T>(_mm512_permutexvar_epi32(bits(from), bits(v)));
+}
+
 // ---- masks
+
+// Where a < b: false where either is a NaN.
+KPR_INLINE Mask<Kpr8u> less(Vec<Kpr8u> a, Vec<Kpr8u> b) { return _mm512_cmplt_epu8_mask(bits(a), bits(b)); }
+KPR_INLINE Mask<Kpr16u> less(Vec<Kpr16u> a, Vec<Kpr16u> b) { return _mm512_cmplt_epu16_mask(bits(a), bits(b)); }
+KPR_INLINE Mask<Kpr32s> less(Vec<Kpr32s> a, Vec<Kpr32s> b) { return _mm512_cmplt_epi32_mask(bits(a), bits(b)); }
+
+// a where the mask is set, b elsewhere.
+template <typename T>
+KPR_INLINE Vec<T> select(Mask<T> mask, Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_mask_blend_epi8(mask, bits(b), bits(a)));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_mask_blend_epi16(mask, bits(b), bits(a)));
+    if constexpr (sizeof(T) == 4) return vec<T>(_mm512_mask_blend_epi32(mask, bits(b), bits(a)));
+    if constexpr (sizeof(T) == 8) return vec<T>(_mm512_mask_blend_epi64(mask, bits(b), bits(a)));
+}
 
 // A lane of T for each byte of `src`, set where the byte is not zero.
 template <typename T, typename Part>
@@ -209,7 +321,7 @@ KPR_INLINE auto loadNarrow(const T* src, All) {
 }
 
 template <int lanes, typename T>
-KPR_INLINE auto loadNarrow(const T* src, First part) {
+KPR_INLINE auto loadNarrow(const T* src, Lanes part) {
     if constexpr (lanes * sizeof(T) <= 16) {
         const auto mask = static_cast<__mmask16>(part.bits);
         if constexpr (sizeof(T) == 1) return _mm_maskz_loadu_epi8(mask, src);
@@ -230,7 +342,7 @@ KPR_INLINE void storeNarrow(T* dst, Narrow v, All) {
 }
 
 template <int lanes, typename T, typename Narrow>
-KPR_INLINE void storeNarrow(T* dst, Narrow v, First part) {
+KPR_INLINE void storeNarrow(T* dst, Narrow v, Lanes part) {
     if constexpr (lanes * sizeof(T) <= 16) {
         const auto mask = static_cast<__mmask16>(part.bits);
         if constexpr (sizeof(T) == 1) _mm_mask_storeu_epi8(dst, mask, v);
