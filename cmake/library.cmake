@@ -7,6 +7,10 @@
 add_library(kprcv_objects OBJECT
     frame/cache.cpp
     frame/version.cpp
+    primitives/arithmetic.cpp
+    primitives/copy.cpp
+    primitives/set.cpp
+    primitives/threshold.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
 )
