@@ -5,10 +5,15 @@
 #                   the entries stand in for it.
 
 add_library(kprcv_objects OBJECT
+    frame/cache.cpp
     frame/version.cpp
+    primitives/arithmetic.cpp
+    primitives/copy.cpp
     primitives/extrema.cpp
     primitives/math.cpp
+    primitives/set.cpp
     primitives/sort.cpp
+    primitives/threshold.cpp
     primitives/vector_math.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp

@@ -46,8 +46,14 @@ struct Lanes {
 };
 
 struct First : Lanes {
-    KPR_INLINE explicit First(Kpr64s lanes) : Lanes{_bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes))} {}
+    KPR_INLINE explicit First(Kpr64s lanes) { bits = _bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes)); }
 };
+
+// All, of a destination that lies on a 64-byte boundary: whole vectors are stored past the cache.
+struct Streamed : All {};
+
+KPR_INLINE Lanes operator&(All, Lanes b) { return b; }
+KPR_INLINE Lanes operator&(Lanes a, Lanes b) { return {a.bits & b.bits}; }
 
 // ---- between vectors and the processor's own types
 
@@ -120,6 +126,31 @@ KPR_INLINE void store(T* dst, Vec<T> v, Lanes part) {
     if constexpr (sizeof(T) == 2) _mm512_mask_storeu_epi16(dst, static_cast<__mmask32>(part.bits), bits(v));
     if constexpr (sizeof(T) == 4) _mm512_mask_storeu_epi32(dst, static_cast<__mmask16>(part.bits), bits(v));
     if constexpr (sizeof(T) == 8) _mm512_mask_storeu_epi64(dst, static_cast<__mmask8>(part.bits), bits(v));
+}
+
+template <typename T>
+KPR_INLINE void store(T* dst, Vec<T> v, Streamed) {
+    _mm512_stream_si512(reinterpret_cast<__m512i*>(dst), bits(v));
+}
+
+// Streamed stores come before whatever is stored from here on.
+KPR_INLINE void endStreaming() { _mm_sfence(); }
+
+// kLanes<T> pixels of three channels, in the elements of a, b and c one after another.
+template <typename T>
+KPR_INLINE void storePixels(T* dst, Vec<T> a, Vec<T> b, Vec<T> c, All part) {
+    store(dst, a, part);
+    store(dst + kLanes<T>, b, part);
+    store(dst + 2 * kLanes<T>, c, part);
+}
+
+template <typename T>
+KPR_INLINE void storePixels(T* dst, Vec<T> a, Vec<T> b, Vec<T> c, First part) {
+    const Kpr64s elements = 3 * _mm_popcnt_u64(part.bits);
+    const auto after = [=](Kpr64s count) { return First{elements > count ? elements - count : 0}; };
+    store(dst, a, after(0));
+    store(dst + kLanes<T>, b, after(kLanes<T>));
+    store(dst + 2 * kLanes<T>, c, after(2 * kLanes<T>));
 }
 
 template <typename T>
@@ -204,17 +235,36 @@ KPR_INLINE Vec<T> operator|(Vec<T> a, Vec<T> b) {
     return vec<T>(_mm512_or_si512(bits(a), bits(b)));
 }
 
-// Integer lanes of 4 bytes moved by `count` bits, at least 0; those of a signed type keep their sign on the way right.
+// The nearest value of T's range to a - b.
+template <typename T>
+KPR_INLINE Vec<T> subtractSaturated(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return vec<T>(_mm512_subs_epu8(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_subs_epu16(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, Kpr16s>) return vec<T>(_mm512_subs_epi16(bits(a), bits(b)));
+}
+
+// Integer lanes of up to 4 bytes moved by 0 to 31 bits, which may be all they have; those of a signed type keep their
+// sign on the way right.
 template <typename T>
 KPR_INLINE Vec<T> operator<<(Vec<T> v, int count) {
-    static_assert(std::is_integral_v<T> && sizeof(T) == 4);
-    return vec<T>(_mm512_sll_epi32(bits(v), _mm_cvtsi32_si128(count)));
+    static_assert(std::is_integral_v<T> && sizeof(T) <= 4);
+    const __m128i n = _mm_cvtsi32_si128(count);
+    if constexpr (sizeof(T) == 4) return vec<T>(_mm512_sll_epi32(bits(v), n));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_sll_epi16(bits(v), n));
+    if constexpr (sizeof(T) == 1) {  // in pairs, without what crossed over from the neighbour
+        return vec<T>(_mm512_sll_epi16(bits(v), n)) & broadcast(static_cast<T>(Bits64{0xff} << count));
+    }
 }
 template <typename T>
 KPR_INLINE Vec<T> operator>>(Vec<T> v, int count) {
-    static_assert(std::is_integral_v<T> && sizeof(T) == 4);
-    if constexpr (std::is_signed_v<T>) return vec<T>(_mm512_sra_epi32(bits(v), _mm_cvtsi32_si128(count)));
-    if constexpr (std::is_unsigned_v<T>) return vec<T>(_mm512_srl_epi32(bits(v), _mm_cvtsi32_si128(count)));
+    static_assert(std::is_unsigned_v<T> ? sizeof(T) <= 4 : sizeof(T) == 4);
+    const __m128i n = _mm_cvtsi32_si128(count);
+    if constexpr (std::is_signed_v<T>) return vec<T>(_mm512_sra_epi32(bits(v), n));
+    if constexpr (std::is_unsigned_v<T> && sizeof(T) == 4) return vec<T>(_mm512_srl_epi32(bits(v), n));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_srl_epi16(bits(v), n));
+    if constexpr (sizeof(T) == 1) {
+        return vec<T>(_mm512_srl_epi16(bits(v), n)) & broadcast(static_cast<T>(0xff >> count));
+    }
 }
 
 // a where a < b, else b: of floats, b where either is a NaN.
@@ -263,6 +313,29 @@ KPR_INLINE Vec<Kpr32f> abs(Vec<Kpr32f> v) { return vec(_mm512_abs_ps(ps(v))); }
 KPR_INLINE Vec<Kpr32f> toFloat(Vec<unsigned> v) { return vec(_mm512_cvtepu32_ps(bits(v))); }
 KPR_INLINE Vec<Kpr32s> toInteger(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvtps_epi32(ps(v))); }
 
+// v * 2^exponent, rounded once; an exponent may be any integer.
+KPR_INLINE Vec<Kpr32f> timesPowerOf2(Vec<Kpr32f> v, Vec<Kpr32f> exponent) {
+    return vec(_mm512_scalef_ps(ps(v), ps(exponent)));
+}
+
+// To the integer next to it on the side of zero.
+KPR_INLINE Vec<Kpr32s> truncate(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvttps_epi32(ps(v))); }
+
+// The lanes of a vector, widened, in an order of their own that `narrow` undoes.
+struct Widened {
+    Vec<Kpr32s> some;
+    Vec<Kpr32s> others;
+};
+
+KPR_INLINE Widened multiplyWide(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    const __m512i low = _mm512_mullo_epi16(bits(a), bits(b));
+    const __m512i high = _mm512_mulhi_epi16(bits(a), bits(b));
+    return {vec<Kpr32s>(_mm512_unpacklo_epi16(low, high)), vec<Kpr32s>(_mm512_unpackhi_epi16(low, high))};
+}
+
+// Each lane the nearest value of its new range.
+KPR_INLINE Vec<Kpr16s> narrow(Widened v) { return vec<Kpr16s>(_mm512_packs_epi32(bits(v.some), bits(v.others))); }
+
 // Unsigned lanes, moved towards their lowest bit.
 template <int count, typename T>
 KPR_INLINE Vec<T> shiftRight(Vec<T> v) {
@@ -271,8 +344,11 @@ KPR_INLINE Vec<T> shiftRight(Vec<T> v) {
 }
 
 // Lane i is v's lane from[i].
-KPR_INLINE Vec<Kpr32f> permute(Vec<Kpr32f> v, Vec<Kpr32s> from) {
-    return vec(_mm512_permutexvar_ps(bits(from), ps(v)));
+template <typename T, typename Index>
+KPR_INLINE Vec<T> permute(Vec<T> v, Vec<Index> from) {
+    static_assert(sizeof(T) == sizeof(Index));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_permutexvar_epi16(bits(from), bits(v)));
+    if constexpr (sizeof(T) == 4) return vec<T>(_mm512_permutexvar_epi32(bits(from), bits(v)));
 }
 
 // ---- sums into wider lanes

@@ -1,0 +1,86 @@
+#include "frame/cache.h"
+
+#include <cstring>
+
+#include "primitives/kit.h"
+#include "tests/support/cache.h"
+#include "tests/support/guarded_image.h"
+
+namespace {
+
+using test::cacheQuery;
+using test::CacheQuery;
+using test::Random;
+
+// With a cache that is smaller than the data, and with one whose size is not to be had.
+const CacheQuery kAnswers[] = {{kprStatusOk, 0x10000}, {kprStatusFail, 0x10000}, {kprStatusOk, 0}};
+
+class PastTheCache : public testing::Test {
+  protected:
+    ~PastTheCache() override { cacheQuery = {}; }
+
+    // Calls `run` under every answer, and expects it to ask.
+    template <typename Run>
+    void eachAnswer(Run run) {
+        for (const CacheQuery& answer : kAnswers) {
+            cacheQuery = answer;
+            run();
+            EXPECT_GT(cacheQuery.asked, 0);
+        }
+    }
+
+    Random random;
+};
+
+// Sizes are those from which on the question is asked.
+TEST_F(PastTheCache, Arrays) {
+    constexpr int filled = 0x200000 / sizeof(Kpr16s);
+    constexpr int copied = 4194304;
+    eachAnswer([&] {
+        test::GuardedImage<Kpr16s> words({filled + 1, 1}, random);
+        ASSERT_EQ(kprsSet_16s(-77, words.data(), filled + 1), kprStatusOk);
+        test::expectImage(words, [](int, int, int) { return Kpr16s{-77}; });
+        test::GuardedImage<Kpr8u> src({copied + 1, 1}, random), dst({copied + 1, 1}, random);
+        src.fill(random);
+        ASSERT_EQ(kprsCopy_8u(src.data(), dst.data(), copied + 1), kprStatusOk);
+        EXPECT_EQ(std::memcmp(src.data(), dst.data(), copied + 1), 0);
+
+        cacheQuery.asked = 0;
+        kprsSet_16s(0, words.data(), filled);
+        kprsCopy_8u(src.data(), dst.data(), copied);
+        EXPECT_EQ(cacheQuery.asked, 0);
+        cacheQuery.asked = 1;
+    });
+}
+
+TEST_F(PastTheCache, Images) {
+    eachAnswer([&] {
+        test::GuardedImage<Kpr8u> set({3001, 2101}, 1, 9, test::Guard::After);
+        ASSERT_EQ(kpriSet_8u_C1R(9, set.data(), set.step(), set.size()), kprStatusOk);
+        test::expectImage(set, [](int, int, int) { return Kpr8u{9}; });
+    });
+    // narrow rows too, which may end before the first boundary
+    for (KprSize size : {KprSize{1999, 801}, KprSize{19, 90001}}) {
+        eachAnswer([&] {
+            test::GuardedImage<Kpr16s> src(size, random), dst(size, random);
+            src.fill(random);
+            ASSERT_EQ(kpriCopy_16s_C1R(src.data(), src.step(), dst.data(), dst.step(), size), kprStatusOk);
+            test::expectImage(dst, [&](int x, int y, int) { return src.at(x, y); });
+            test::GuardedImage<Kpr32f> floats(size, random);
+            const auto* words = reinterpret_cast<const Kpr16u*>(src.data());
+            ASSERT_EQ(kpriConvert_16u32f_C1R(words, src.step(), floats.data(), floats.step(), size), kprStatusOk);
+            test::expectImage(floats,
+                              [&](int x, int y, int) { return static_cast<float>(static_cast<Kpr16u>(src.at(x, y))); });
+        });
+    }
+}
+
+TEST_F(PastTheCache, SizeIsWhatTheQueryWrote) {
+    for (const CacheQuery& answer : kAnswers) {
+        cacheQuery = answer;
+        EXPECT_EQ(owncvGetCacheSize(), answer.size);
+    }
+    EXPECT_EQ(owncvGetMaxNumThreads(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,82 @@
+#include "primitives/kit.h"
+#include "tests/support/guarded_image.h"
+#include "tests/support/ladder.h"
+
+namespace {
+
+using test::GuardedImage;
+using test::Random;
+
+// `beyond(pixel, threshold)` says which pixels become `value`.
+template <typename T, typename Call, typename Beyond>
+void check(Call call, Beyond beyond) {
+    Random random;
+    for (KprSize size : test::awkwardSizes()) {
+        GuardedImage<T> src(size, random), dst(size, random);
+        src.fill(random, true);
+        const T threshold = random.pixel<T>(true);
+        const T value = random.pixel<T>();
+        const T replacement = call(src, dst, threshold, value);
+        const auto rule = [&](int x, int y, int) {
+            const T pixel = src.at(x, y);
+            return beyond(pixel, threshold) ? replacement : pixel;
+        };
+        test::expectImage(dst, rule);
+        call(src, src, threshold, value);
+        test::expectImage(src, [&](int x, int y, int) { return dst.at(x, y); });
+        if (testing::Test::HasFailure()) return;
+    }
+}
+
+template <typename T>
+void checkBelow(KprStatus (*function)(const T*, int, T*, int, KprSize, T)) {
+    check<T>(
+        [=](auto& src, auto& dst, T threshold, T) {
+            EXPECT_EQ(function(src.data(), src.step(), dst.data(), dst.step(), src.size(), threshold), kprStatusOk);
+            return threshold;
+        },
+        [](T pixel, T threshold) { return pixel < threshold; });
+}
+
+template <typename T>
+void checkAbove(KprStatus (*function)(const T*, int, T*, int, KprSize, T, T)) {
+    check<T>(
+        [=](auto& src, auto& dst, T threshold, T value) {
+            EXPECT_EQ(function(src.data(), src.step(), dst.data(), dst.step(), src.size(), threshold, value),
+                      kprStatusOk);
+            return value;
+        },
+        [](T pixel, T threshold) { return pixel > threshold; });
+}
+
+TEST(Threshold, RaisesWhatIsBelow) {
+    checkBelow(kpriThreshold_LT_16s_C1R);
+    checkBelow(kpriThreshold_LT_32f_C1R);
+}
+
+TEST(Threshold, ReplacesWhatIsAbove) {
+    checkAbove(kpriThreshold_GTVal_8u_C1R);
+    checkAbove(kpriThreshold_GTVal_16u_C1R);
+}
+
+TEST(Threshold, CopiesNanAndZerosOfTheOtherSign) {
+    const float nan = std::bit_cast<float>(0x7fc12345);
+    const float src[] = {nan, -0.0F, -1.0F, 1.0F};
+    float dst[4];
+    ASSERT_EQ(kprsThreshold_LT_32f(src, dst, 4, 0.0F), kprStatusOk);
+    EXPECT_EQ(std::bit_cast<int>(dst[0]), 0x7fc12345);
+    EXPECT_TRUE(std::signbit(dst[1]));
+    EXPECT_TRUE(dst[2] == 0 && dst[3] == 1);
+    ASSERT_EQ(kprsThreshold_LT_32f(src, dst, 4, nan), kprStatusOk);
+    EXPECT_EQ(std::memcmp(src, dst, sizeof src), 0);
+}
+
+TEST(Threshold, StatusLadders) {
+    LADDER(kpriThreshold_LT_16s_C1R).nulls().sizes().run();
+    LADDER(kpriThreshold_LT_32f_C1R).nulls().sizes().run();
+    LADDER(kpriThreshold_GTVal_8u_C1R).nulls().sizes().run();
+    LADDER(kpriThreshold_GTVal_16u_C1R).nulls().sizes().run();
+    LADDER(kprsThreshold_LT_32f).with<2>(7).nulls().refuses<2>(0, kprStatusBadSize).run();
+}
+
+}  // namespace
