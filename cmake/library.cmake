@@ -6,6 +6,7 @@
 
 add_library(kprcv_objects OBJECT
     frame/version.cpp
+    primitives/border.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
 )

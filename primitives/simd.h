@@ -1,7 +1,7 @@
 // The vector layer: 64-byte vectors of every element type under plain names. No other file knows the instruction set.
 //
-// A kernel is written once, over a `part` that says which lanes of a step take part: All of them, or the First few of a
-// row's last step. Loads and stores under First touch no byte beyond those lanes; lanes that were not loaded hold zero.
+// A kernel is written once, over a `part` that says which lanes of a step take part: All of them, the First few of a
+// row's last step, or any Lanes. Loads and stores touch no byte of other lanes; lanes that were not loaded hold zero.
 // Integer lanes wrap, float lanes round to nearest even.
 #pragma once
 
@@ -40,9 +40,13 @@ using Bits64 = unsigned long long;
 
 struct All {};
 
-struct First {
+// Any lanes, one bit each, the lowest for the first.
+struct Lanes {
     Bits64 bits;
-    KPR_INLINE explicit First(Kpr64s lanes) : bits(_bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes))) {}
+};
+
+struct First : Lanes {
+    KPR_INLINE explicit First(Kpr64s lanes) : Lanes{_bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes))} {}
 };
 
 // ---- between vectors and the processor's own types
@@ -74,7 +78,7 @@ KPR_INLINE Vec<T> load(const T* src, All) {
 }
 
 template <typename T>
-KPR_INLINE Vec<T> load(const T* src, First part) {
+KPR_INLINE Vec<T> load(const T* src, Lanes part) {
     if constexpr (sizeof(T) == 1) return vec<T>(_mm512_maskz_loadu_epi8(part.bits, src));
     if constexpr (sizeof(T) == 2) return vec<T>(_mm512_maskz_loadu_epi16(static_cast<__mmask32>(part.bits), src));
     if constexpr (sizeof(T) == 4) return vec<T>(_mm512_maskz_loadu_epi32(static_cast<__mmask16>(part.bits), src));
@@ -87,7 +91,7 @@ KPR_INLINE void store(T* dst, Vec<T> v, All) {
 }
 
 template <typename T>
-KPR_INLINE void store(T* dst, Vec<T> v, First part) {
+KPR_INLINE void store(T* dst, Vec<T> v, Lanes part) {
     if constexpr (sizeof(T) == 1) _mm512_mask_storeu_epi8(dst, part.bits, bits(v));
     if constexpr (sizeof(T) == 2) _mm512_mask_storeu_epi16(dst, static_cast<__mmask32>(part.bits), bits(v));
     if constexpr (sizeof(T) == 4) _mm512_mask_storeu_epi32(dst, static_cast<__mmask16>(part.bits), bits(v));
@@ -198,6 +202,32 @@ KPR_INLINE Vec<T> keep(Mask<T> mask, Vec<T> v) {
     if constexpr (sizeof(T) == 8) return vec<T>(_mm512_maskz_mov_epi64(mask, bits(v)));
 }
 
+// ---- lanes moved about
+
+// A constant whose lane i is rule(i); the rule is a lambda that captures nothing.
+template <typename T, typename Rule>
+struct LaneTable {
+    alignas(64) T lanes[kLanes<T>] = {};
+    constexpr explicit LaneTable(Rule rule) {
+        for (int i = 0; i < kLanes<T>; ++i) lanes[i] = static_cast<T>(rule(i));
+    }
+};
+template <typename T, typename Rule>
+KPR_INLINE Vec<T> laneConstant(Rule) {
+    static constexpr LaneTable<T, Rule> table{Rule{}};
+    return load(table.lanes, All{});
+}
+
+// Lane i is v's lane from[i].
+KPR_INLINE Vec<Kpr32s> permute(Vec<Kpr32s> v, Vec<Kpr32s> from) {
+    return vec<Kpr32s>(_mm512_permutexvar_epi32(bits(from), bits(v)));
+}
+
+// Byte i is v's byte from[i] of the same 16 bytes, counted from their first.
+KPR_INLINE Vec<Kpr8u> permuteIn16(Vec<Kpr8u> v, Vec<Kpr8u> from) {
+    return vec<Kpr8u>(_mm512_shuffle_epi8(bits(v), bits(from)));
+}
+
 // ---- narrow elements in the lanes of a wider type
 
 // `lanes` elements of fewer than 64 bytes: in an __m128i up to 16 bytes, else in an __m256i.
@@ -209,7 +239,7 @@ KPR_INLINE auto loadNarrow(const T* src, All) {
 }
 
 template <int lanes, typename T>
-KPR_INLINE auto loadNarrow(const T* src, First part) {
+KPR_INLINE auto loadNarrow(const T* src, Lanes part) {
     if constexpr (lanes * sizeof(T) <= 16) {
         const auto mask = static_cast<__mmask16>(part.bits);
         if constexpr (sizeof(T) == 1) return _mm_maskz_loadu_epi8(mask, src);
@@ -230,7 +260,7 @@ KPR_INLINE void storeNarrow(T* dst, Narrow v, All) {
 }
 
 template <int lanes, typename T, typename Narrow>
-KPR_INLINE void storeNarrow(T* dst, Narrow v, First part) {
+KPR_INLINE void storeNarrow(T* dst, Narrow v, Lanes part) {
     if constexpr (lanes * sizeof(T) <= 16) {
         const auto mask = static_cast<__mmask16>(part.bits);
         if constexpr (sizeof(T) == 1) _mm_mask_storeu_epi8(dst, mask, v);
