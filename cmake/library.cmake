@@ -7,8 +7,15 @@
 add_library(kprcv_objects OBJECT
     frame/version.cpp
     primitives/border.cpp
+    primitives/math.cpp
+    primitives/sort.cpp
+    primitives/vector_math.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
+    stats/mean.cpp
+    stats/norm.cpp
+    stats/norm_diff.cpp
+    stats/norm_rel.cpp
 )
 target_include_directories(kprcv_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 set_target_properties(kprcv_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
@@ -25,10 +32,13 @@ target_compile_options(kprcv_build_flags INTERFACE
 target_link_libraries(kprcv_objects PRIVATE kprcv_build_flags)
 
 if(KPRCV_SANITIZE)
-    target_compile_options(kprcv_objects PRIVATE -fsanitize=address,undefined -fno-sanitize-recover=all)
+    set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
+    target_compile_options(kprcv_objects PRIVATE ${sanitizers} -fno-omit-frame-pointer)
+    target_link_options(kprcv_objects INTERFACE ${sanitizers})
     add_library(kprcv INTERFACE)
-    target_sources(kprcv INTERFACE ${PROJECT_SOURCE_DIR}/frame/entries.S)
-    target_link_libraries(kprcv INTERFACE kprcv_objects $<TARGET_OBJECTS:kprcv_objects>)
+    target_sources(kprcv INTERFACE ${PROJECT_SOURCE_DIR}/frame/entries.S $<TARGET_OBJECTS:kprcv_objects>)
+    target_include_directories(kprcv INTERFACE ${PROJECT_SOURCE_DIR})
+    target_link_options(kprcv INTERFACE ${sanitizers})
 else()
     add_library(kprcv SHARED frame/entries.S frame/memory.cpp frame/start.cpp)
     target_link_libraries(kprcv PRIVATE kprcv_build_flags kprcv_objects -nostdlib c)

@@ -29,12 +29,17 @@ constexpr KprStatus rowsFit(Kpr64s width, Step... steps) {
     return failIf(((Kpr64s{steps} < width * Kpr64s{sizeof(T)}) || ...), kprStatusBadStep);
 }
 
-// Each step is a multiple of the size of T.
+// Stands in for the step of an image that a form does not have: it holds any row.
+inline constexpr int kAnyStep = 0x7fffffff;
+
+// Each step is a multiple of the size of T, as every step is of a byte's.
 template <typename T, typename... Step>
 constexpr KprStatus stepsAlign(Step... steps) {
-    static_assert(sizeof(T) > 1, "steps of byte images need no alignment");
     return failIf((((Kpr64s{steps} & Kpr64s{sizeof(T) - 1}) != 0) || ...), kprStatusStepNotMultiple);
 }
+
+// The channel of interest is one of three.
+constexpr KprStatus coiHolds(int coi) { return failIf(coi < 1 || coi > 3, kprStatusBadCoi); }
 
 template <typename... Status>
 constexpr KprStatus firstFailure(Status... checks) {

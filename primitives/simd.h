@@ -72,6 +72,15 @@ KPR_INLINE Vec<To> as(Vec<T> v) {
 
 // ---- load, store, broadcast
 
+// a where the mask is set, b elsewhere.
+template <typename T>
+KPR_INLINE Vec<T> select(Mask<T> mask, Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_mask_blend_epi8(mask, bits(b), bits(a)));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_mask_blend_epi16(mask, bits(b), bits(a)));
+    if constexpr (sizeof(T) == 4) return vec<T>(_mm512_mask_blend_epi32(mask, bits(b), bits(a)));
+    if constexpr (sizeof(T) == 8) return vec<T>(_mm512_mask_blend_epi64(mask, bits(b), bits(a)));
+}
+
 template <typename T>
 KPR_INLINE Vec<T> load(const T* src, All) {
     return vec<T>(_mm512_loadu_si512(src));
@@ -83,6 +92,18 @@ KPR_INLINE Vec<T> load(const T* src, Lanes part) {
     if constexpr (sizeof(T) == 2) return vec<T>(_mm512_maskz_loadu_epi16(static_cast<__mmask32>(part.bits), src));
     if constexpr (sizeof(T) == 4) return vec<T>(_mm512_maskz_loadu_epi32(static_cast<__mmask16>(part.bits), src));
     if constexpr (sizeof(T) == 8) return vec<T>(_mm512_maskz_loadu_epi64(static_cast<__mmask8>(part.bits), src));
+}
+
+// The same, but that lanes which are not loaded keep what `under` has.
+template <typename T>
+KPR_INLINE Vec<T> loadOver(Vec<T> under, const T* src, Lanes part) {
+    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_mask_loadu_epi8(bits(under), part.bits, src));
+    if constexpr (sizeof(T) == 2) {
+        return vec<T>(_mm512_mask_loadu_epi16(bits(under), static_cast<__mmask32>(part.bits), src));
+    }
+    if constexpr (sizeof(T) == 4) {
+        return as<T>(vec<Kpr32s>(_mm512_mask_loadu_epi32(bits(under), static_cast<__mmask16>(part.bits), src)));
+    }
 }
 
 template <typename T>
@@ -136,8 +157,30 @@ KPR_INLINE Vec<T> operator*(Vec<T> a, Vec<T> b) {
     return as<T>(Vec<Wrapping<T>>{as<Wrapping<T>>(a).raw * as<Wrapping<T>>(b).raw});
 }
 template <typename T>
+KPR_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
+    static_assert(std::is_floating_point_v<T>);
+    return {a.raw / b.raw};
+}
+template <typename T>
 KPR_INLINE Vec<T> operator&(Vec<T> a, Vec<T> b) {
     return vec<T>(_mm512_and_si512(bits(a), bits(b)));
+}
+template <typename T>
+KPR_INLINE Vec<T> operator|(Vec<T> a, Vec<T> b) {
+    return vec<T>(_mm512_or_si512(bits(a), bits(b)));
+}
+
+// Integer lanes of 4 bytes moved by `count` bits, at least 0; those of a signed type keep their sign on the way right.
+template <typename T>
+KPR_INLINE Vec<T> operator<<(Vec<T> v, int count) {
+    static_assert(std::is_integral_v<T> && sizeof(T) == 4);
+    return vec<T>(_mm512_sll_epi32(bits(v), _mm_cvtsi32_si128(count)));
+}
+template <typename T>
+KPR_INLINE Vec<T> operator>>(Vec<T> v, int count) {
+    static_assert(std::is_integral_v<T> && sizeof(T) == 4);
+    if constexpr (std::is_signed_v<T>) return vec<T>(_mm512_sra_epi32(bits(v), _mm_cvtsi32_si128(count)));
+    if constexpr (std::is_unsigned_v<T>) return vec<T>(_mm512_srl_epi32(bits(v), _mm_cvtsi32_si128(count)));
 }
 
 // a where a < b, else b: of floats, b where either is a NaN.
@@ -147,6 +190,7 @@ KPR_INLINE Vec<T> min(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_min_epu16(bits(a), bits(b)));
     if constexpr (std::is_same_v<T, Kpr16s>) return vec<T>(_mm512_min_epi16(bits(a), bits(b)));
     if constexpr (std::is_same_v<T, Kpr32s>) return vec<T>(_mm512_min_epi32(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, unsigned>) return vec<T>(_mm512_min_epu32(bits(a), bits(b)));
     if constexpr (std::is_same_v<T, Kpr32f>) return vec(_mm512_min_ps(ps(a), ps(b)));
     if constexpr (std::is_same_v<T, Kpr64f>) return vec(_mm512_min_pd(pd(a), pd(b)));
 }
@@ -176,7 +220,79 @@ KPR_INLINE Vec<Kpr32f> fma(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
     return vec(_mm512_fmadd_ps(ps(a), ps(b), ps(c)));
 }
 
+// Correctly rounded; a NaN of what is below zero, and -0 of -0.
+KPR_INLINE Vec<Kpr32f> sqrt(Vec<Kpr32f> v) { return vec(_mm512_sqrt_ps(ps(v))); }
+
+KPR_INLINE Vec<Kpr32f> abs(Vec<Kpr32f> v) { return vec(_mm512_abs_ps(ps(v))); }
+
+// To the nearest value of the other type, ties to even.
+KPR_INLINE Vec<Kpr32f> toFloat(Vec<unsigned> v) { return vec(_mm512_cvtepu32_ps(bits(v))); }
+KPR_INLINE Vec<Kpr32s> toInteger(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvtps_epi32(ps(v))); }
+
+// Unsigned lanes, moved towards their lowest bit.
+template <int count, typename T>
+KPR_INLINE Vec<T> shiftRight(Vec<T> v) {
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_srli_epi16(bits(v), count));
+    if constexpr (sizeof(T) == 8) return vec<T>(_mm512_srli_epi64(bits(v), count));
+}
+
+// Lane i is v's lane from[i].
+KPR_INLINE Vec<Kpr32f> permute(Vec<Kpr32f> v, Vec<Kpr32s> from) {
+    return vec(_mm512_permutexvar_ps(bits(from), ps(v)));
+}
+
+// ---- sums into wider lanes
+
+// Of eight neighbouring bytes each.
+KPR_INLINE Vec<Kpr64s> sumOfBytes(Vec<Kpr8u> v) {
+    return vec<Kpr64s>(_mm512_sad_epu8(bits(v), _mm512_setzero_si512()));
+}
+
+// a0 * b0 + a1 * b1 of neighbouring lanes; the one sum that exceeds a signed lane, of four -32768, wraps to an unsigned
+// 2^31.
+KPR_INLINE Vec<Kpr32s> dotPairs(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr32s>(_mm512_madd_epi16(bits(a), bits(b)));
+}
+
+// The two unsigned lanes in each place of a 64-bit lane.
+KPR_INLINE Vec<Kpr64s> sumPairs(Vec<Kpr32s> v) {
+    const auto pairs = as<Kpr64s>(v);
+    return (pairs & broadcast<Kpr64s>(0xffffffff)) + shiftRight<32>(pairs);
+}
+
+// Eight of the sixteen lanes, the lower or the upper ones.
+template <int which>
+KPR_INLINE Vec<Kpr64f> half(Vec<Kpr32f> v) {
+    if constexpr (which == 0) return vec(_mm512_cvtps_pd(_mm512_castps512_ps256(ps(v))));
+    if constexpr (which == 1) return vec(_mm512_cvtps_pd(_mm512_extractf32x8_ps(ps(v), 1)));
+}
+
 // ---- masks
+
+// Where a < b: of floats, false where either is a NaN.
+template <typename T>
+KPR_INLINE Mask<T> less(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return _mm512_cmplt_epu8_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr16u>) return _mm512_cmplt_epu16_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr16s>) return _mm512_cmplt_epi16_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr32s>) return _mm512_cmplt_epi32_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_LT_OQ);
+}
+
+// Where a == b: of floats, false where either is a NaN.
+template <typename T>
+KPR_INLINE Mask<T> equal(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_integral_v<T> && sizeof(T) == 1) return _mm512_cmpeq_epi8_mask(bits(a), bits(b));
+    if constexpr (std::is_integral_v<T> && sizeof(T) == 2) return _mm512_cmpeq_epi16_mask(bits(a), bits(b));
+    if constexpr (std::is_integral_v<T> && sizeof(T) == 4) return _mm512_cmpeq_epi32_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_EQ_OQ);
+}
+
+// Where the sign bit is set: that of a zero or a NaN too.
+KPR_INLINE Mask<Kpr32f> signs(Vec<Kpr32f> v) { return _mm512_movepi32_mask(bits(v)); }
+
+// As many of the set bits of `where`, from the lowest on, as `bits` says one by one.
+KPR_INLINE Bits64 scatterBits(Bits64 bits, Bits64 where) { return _pdep_u64(bits, where); }
 
 // A lane of T for each byte of `src`, set where the byte is not zero.
 template <typename T, typename Part>

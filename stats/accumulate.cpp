@@ -56,10 +56,7 @@ auto addWeighted(Kpr32f alpha) {
     return [weight = broadcast(alpha)](Floats a, Floats d) { return fma(weight, a - d, d); };
 }
 
-// The step checks of every member; the type of the sources decides their order. Of the plain forms the mask's step is
-// `kNoMask`, which holds any row.
-inline constexpr int kNoMask = 0x7fffffff;
-
+// The step checks of every member; the type of the sources decides their order.
 template <typename Src, typename... Step>
 KprStatus stepsHold(KprSize roi, int maskStep, int srcDstStep, Step... srcSteps) {
     const KprStatus sourcesFit = rowsFit<Src>(roi.width, srcSteps...);
@@ -80,13 +77,13 @@ using namespace n0;
 
 KprStatus kpriAdd_8u32f_C1IR(const Kpr8u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
     return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, kNoMask, srcDstStep, srcStep))
+                        stepsHold<Kpr8u>(roiSize, kAnyStep, srcDstStep, srcStep))
                ?: accumulate(addSource, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAdd_16u32f_C1IR(const Kpr16u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
     return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, kNoMask, srcDstStep, srcStep))
+                        stepsHold<Kpr16u>(roiSize, kAnyStep, srcDstStep, srcStep))
                ?: accumulate(addSource, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
@@ -116,19 +113,19 @@ KprStatus kpriAdd_32f_C1IMR(const Kpr32f* src, int srcStep, const Kpr8u* mask, i
 
 KprStatus kpriAddSquare_8u32f_C1IR(const Kpr8u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
     return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, kNoMask, srcDstStep, srcStep))
+                        stepsHold<Kpr8u>(roiSize, kAnyStep, srcDstStep, srcStep))
                ?: accumulate(addSquare, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddSquare_16u32f_C1IR(const Kpr16u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
     return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, kNoMask, srcDstStep, srcStep))
+                        stepsHold<Kpr16u>(roiSize, kAnyStep, srcDstStep, srcStep))
                ?: accumulate(addSquare, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddSquare_32f_C1IR(const Kpr32f* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
     return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, kNoMask, srcDstStep, srcStep))
+                        stepsHold<Kpr32f>(roiSize, kAnyStep, srcDstStep, srcStep))
                ?: accumulate(addSquare, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
@@ -159,21 +156,21 @@ KprStatus kpriAddSquare_32f_C1IMR(const Kpr32f* src, int srcStep, const Kpr8u* m
 KprStatus kpriAddProduct_8u32f_C1IR(const Kpr8u* src1, int src1Step, const Kpr8u* src2, int src2Step, Kpr32f* srcDst,
                                     int srcDstStep, KprSize roiSize) {
     return firstFailure(notNull(src1, src2, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, kNoMask, srcDstStep, src1Step, src2Step))
+                        stepsHold<Kpr8u>(roiSize, kAnyStep, srcDstStep, src1Step, src2Step))
                ?: accumulate(addProduct, roiSize, Rows{srcDst, srcDstStep}, Rows{src1, src1Step}, Rows{src2, src2Step});
 }
 
 KprStatus kpriAddProduct_16u32f_C1IR(const Kpr16u* src1, int src1Step, const Kpr16u* src2, int src2Step, Kpr32f* srcDst,
                                      int srcDstStep, KprSize roiSize) {
     return firstFailure(notNull(src1, src2, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, kNoMask, srcDstStep, src1Step, src2Step))
+                        stepsHold<Kpr16u>(roiSize, kAnyStep, srcDstStep, src1Step, src2Step))
                ?: accumulate(addProduct, roiSize, Rows{srcDst, srcDstStep}, Rows{src1, src1Step}, Rows{src2, src2Step});
 }
 
 KprStatus kpriAddProduct_32f_C1IR(const Kpr32f* src1, int src1Step, const Kpr32f* src2, int src2Step, Kpr32f* srcDst,
                                   int srcDstStep, KprSize roiSize) {
     return firstFailure(notNull(src1, src2, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, kNoMask, srcDstStep, src1Step, src2Step))
+                        stepsHold<Kpr32f>(roiSize, kAnyStep, srcDstStep, src1Step, src2Step))
                ?: accumulate(addProduct, roiSize, Rows{srcDst, srcDstStep}, Rows{src1, src1Step}, Rows{src2, src2Step});
 }
 
@@ -205,21 +202,21 @@ KprStatus kpriAddProduct_32f_C1IMR(const Kpr32f* src1, int src1Step, const Kpr32
 KprStatus kpriAddWeighted_8u32f_C1IR(const Kpr8u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize,
                                      Kpr32f alpha) {
     return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, kNoMask, srcDstStep, srcStep))
+                        stepsHold<Kpr8u>(roiSize, kAnyStep, srcDstStep, srcStep))
                ?: accumulate(addWeighted(alpha), roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddWeighted_16u32f_C1IR(const Kpr16u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize,
                                       Kpr32f alpha) {
     return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, kNoMask, srcDstStep, srcStep))
+                        stepsHold<Kpr16u>(roiSize, kAnyStep, srcDstStep, srcStep))
                ?: accumulate(addWeighted(alpha), roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddWeighted_32f_C1IR(const Kpr32f* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize,
                                    Kpr32f alpha) {
     return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, kNoMask, srcDstStep, srcStep))
+                        stepsHold<Kpr32f>(roiSize, kAnyStep, srcDstStep, srcStep))
                ?: accumulate(addWeighted(alpha), roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 

@@ -51,37 +51,37 @@ typedef struct KprRect {
 typedef int32_t KprStatus;
 
 enum {
-    kprStatusRoiClipped = 48,             /* warning: the ROI was cut to fit the image */
-    kprStatusListFull = 33,               /* warning: more results than the list holds */
-    kprStatusSizeBeyond32Bit = 12,        /* warning: a size does not fit in 32 bits */
-    kprStatusZeroDivisor = 2,             /* warning: the divisor norm is zero; the result is NaN or infinite */
-    kprStatusNoMaskedPixels = 1,          /* warning: the mask selected no pixel */
-    kprStatusOk = 0,                      /* success */
-    kprStatusFail = -1,                   /* reserved */
-    kprStatusError = -2,                  /* a computed count does not fit */
-    kprStatusBadArg = -5,                 /* an argument outside what the function accepts */
-    kprStatusBadSize = -6,                /* a width or height below 1 or below the function's minimum */
-    kprStatusBadRange = -7,               /* a range that runs backwards */
-    kprStatusNullPtr = -8,                /* a required pointer is null */
-    kprStatusDivByZero = -10,             /* internal: division by a zero constant */
-    kprStatusOutOfRange = -11,            /* a value outside its allowed range */
-    kprStatusBadContext = -13,            /* a state block of another family, or never initialised */
-    kprStatusBadMode = -14,               /* a mode word that is not accepted */
-    kprStatusBadStep = -16,               /* a row step smaller than the row it must hold */
-    kprStatusBadThreshold = -19,          /* a threshold below zero */
-    kprStatusBadMaskSize = -33,           /* a mask-size word that is not accepted */
-    kprStatusBadAnchor = -34,             /* an anchor outside the mask */
-    kprStatusBadChannelCount = -47,       /* a channel count that is not accepted */
-    kprStatusBadCoi = -52,                /* a channel of interest that is not 1, 2 or 3 */
-    kprStatusBadChannel = -53,            /* a channels argument that is not accepted */
-    kprStatusBadMetric = -56,             /* a distance metric below 1 */
-    kprStatusBadDataType = -59,           /* a data-type word that is not accepted */
-    kprStatusStepNotMultiple = -108,      /* a row step that is not a multiple of the element size */
-    kprStatusBadBorder = -225,            /* a border word that is not accepted */
-    kprStatusBadNorm = -229,              /* a norm word that is not accepted */
-    kprStatusBadAlgorithm = -230,         /* a filter or algorithm word that is not accepted */
-    kprStatusSizeOverflow = -232,         /* a size beyond 0x7fffffff where sizes are computed in 32 bits */
-    kprStatusInPlaceUnsupported = -9998   /* source and destination are the same buffer */
+    kprStatusRoiClipped = 48,           /* warning: the ROI was cut to fit the image */
+    kprStatusListFull = 33,             /* warning: more results than the list holds */
+    kprStatusSizeBeyond32Bit = 12,      /* warning: a size does not fit in 32 bits */
+    kprStatusZeroDivisor = 2,           /* warning: the divisor norm is zero; the result is NaN or infinite */
+    kprStatusNoMaskedPixels = 1,        /* warning: the mask selected no pixel */
+    kprStatusOk = 0,                    /* success */
+    kprStatusFail = -1,                 /* reserved */
+    kprStatusError = -2,                /* a computed count does not fit */
+    kprStatusBadArg = -5,               /* an argument outside what the function accepts */
+    kprStatusBadSize = -6,              /* a width or height below 1 or below the function's minimum */
+    kprStatusBadRange = -7,             /* a range that runs backwards */
+    kprStatusNullPtr = -8,              /* a required pointer is null */
+    kprStatusDivByZero = -10,           /* internal: division by a zero constant */
+    kprStatusOutOfRange = -11,          /* a value outside its allowed range */
+    kprStatusBadContext = -13,          /* a state block of another family, or never initialised */
+    kprStatusBadMode = -14,             /* a mode word that is not accepted */
+    kprStatusBadStep = -16,             /* a row step smaller than the row it must hold */
+    kprStatusBadThreshold = -19,        /* a threshold below zero */
+    kprStatusBadMaskSize = -33,         /* a mask-size word that is not accepted */
+    kprStatusBadAnchor = -34,           /* an anchor outside the mask */
+    kprStatusBadChannelCount = -47,     /* a channel count that is not accepted */
+    kprStatusBadCoi = -52,              /* a channel of interest that is not 1, 2 or 3 */
+    kprStatusBadChannel = -53,          /* a channels argument that is not accepted */
+    kprStatusBadMetric = -56,           /* a distance metric below 1 */
+    kprStatusBadDataType = -59,         /* a data-type word that is not accepted */
+    kprStatusStepNotMultiple = -108,    /* a row step that is not a multiple of the element size */
+    kprStatusBadBorder = -225,          /* a border word that is not accepted */
+    kprStatusBadNorm = -229,            /* a norm word that is not accepted */
+    kprStatusBadAlgorithm = -230,       /* a filter or algorithm word that is not accepted */
+    kprStatusSizeOverflow = -232,       /* a size beyond 0x7fffffff where sizes are computed in 32 bits */
+    kprStatusInPlaceUnsupported = -9998 /* source and destination are the same buffer */
 };
 
 /* The data-type word of sizing calls; each call accepts its own subset. */
@@ -99,15 +99,15 @@ enum { kprMaskSize3x3 = 33, kprMaskSize5x5 = 55 };
 typedef uint32_t KprBorderType;
 
 enum {
-    kprBorderReplicate = 1,      /* the nearest edge pixel */
-    kprBorderMirror = 3,         /* reflection that does not repeat the edge pixel: -1 reads 1, n reads n - 2 */
-    kprBorderDefault = 5,        /* a constant that is neutral for the operation; morphology only */
-    kprBorderConstant = 6,       /* a value given with the call */
-    kprBorderInMemTop = 16,      /* the rows above the ROI are valid memory */
-    kprBorderInMemBottom = 32,   /* the rows below the ROI are valid memory */
-    kprBorderInMemLeft = 64,     /* the columns left of the ROI are valid memory */
-    kprBorderInMemRight = 128,   /* the columns right of the ROI are valid memory */
-    kprBorderInMem = 240         /* all four sides are valid memory; needs no base mode */
+    kprBorderReplicate = 1,    /* the nearest edge pixel */
+    kprBorderMirror = 3,       /* reflection that does not repeat the edge pixel: -1 reads 1, n reads n - 2 */
+    kprBorderDefault = 5,      /* a constant that is neutral for the operation; morphology only */
+    kprBorderConstant = 6,     /* a value given with the call */
+    kprBorderInMemTop = 16,    /* the rows above the ROI are valid memory */
+    kprBorderInMemBottom = 32, /* the rows below the ROI are valid memory */
+    kprBorderInMemLeft = 64,   /* the columns left of the ROI are valid memory */
+    kprBorderInMemRight = 128, /* the columns right of the ROI are valid memory */
+    kprBorderInMem = 240       /* all four sides are valid memory; needs no base mode */
 };
 
 #ifdef __cplusplus

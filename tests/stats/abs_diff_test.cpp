@@ -75,7 +75,7 @@ TEST(AbsDiff, NanResultHasAClearSign) {
 
 TEST(AbsDiff, StatusLadders) {
     LADDER(kpriAbsDiff_8u_C1R).nulls().sizes().lengths({0, 1, 2}).run();
-    LADDER(kpriAbsDiff_8u_C3R, 3).nulls().sizes().lengths({0, 1, 2}).run();
+    LADDER(kpriAbsDiff_8u_C3R).channels({3, 3, 3}).nulls().sizes().lengths({0, 1, 2}).run();
     LADDER(kpriAbsDiff_16u_C1R).nulls().sizes().lengths({0, 1, 2}).multiples({0, 1, 2}).run();
     LADDER(kpriAbsDiff_32f_C1R).nulls().sizes().lengths({0, 1, 2}).multiples({0, 1, 2}).run();
     LADDER(kpriAbsDiffC_8u_C1R).nulls().sizes().lengths({0, 1}).run();

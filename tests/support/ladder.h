@@ -13,7 +13,7 @@
 
 #include "tests/support/guarded_image.h"
 
-#define LADDER(function, ...) ::test::Ladder(#function, function __VA_OPT__(, ) __VA_ARGS__)
+#define LADDER(function) ::test::Ladder(#function, function)
 
 namespace test {
 
@@ -25,9 +25,14 @@ class Ladder {
     static constexpr int kCount = sizeof...(A);
 
   public:
-    Ladder(const char* name, KprStatus (*function)(A...), int channels = 1)
-        : name_(name), function_(function), channels_(channels) {
-        eachIndex([&]<int index>() { prepare<index>(); });
+    Ladder(const char* name, KprStatus (*function)(A...)) : name_(name), function_(function) { channels({}); }
+
+    // Interleaved channels of the images in their order; one channel where nothing is said.
+    Ladder& channels(const std::vector<int>& counts) {
+        memory_.clear();
+        images_.clear();
+        eachIndex([&]<int index>() { prepare<index>(counts); });
+        return *this;
     }
 
     // Another good value than the one made from the signature.
@@ -81,6 +86,19 @@ class Ladder {
         return *this;
     }
 
+    // The channel of interest: the integer after the ROI.
+    Ladder& coi() {
+        eachIndex([&]<int index>() {
+            if constexpr (index > 0 && std::is_same_v<Argument<index>, int>) {
+                if constexpr (isSize<Argument<index - 1>>) {
+                    with<index>(2);
+                    for (int coi : {0, 4, -1}) refuses<index>(coi, kprStatusBadCoi);
+                }
+            }
+        });
+        return *this;
+    }
+
     void run() {
         expect(kprStatusOk, good_, "good arguments");
         for (auto& memory : memory_) memory.setAccessible(false);
@@ -129,11 +147,13 @@ class Ladder {
     }
 
     template <int index>
-    void prepare() {
+    void prepare(const std::vector<int>& channels) {
         using T = Argument<index>;
         if constexpr (std::is_pointer_v<T>) {
-            const int row = static_cast<int>(sizeof(std::remove_pointer_t<T>)) * kWidth * channels_;
+            const int count = images_.size() < channels.size() ? channels[images_.size()] : 1;
+            const int row = static_cast<int>(sizeof(std::remove_pointer_t<T>)) * kWidth * count;
             memory_.emplace_back(static_cast<std::size_t>(row * kHeight), Guard::After);
+            std::memset(memory_.back().data(), 0x3f, static_cast<std::size_t>(row * kHeight));
             std::get<index>(good_) = reinterpret_cast<T>(memory_.back().data());
             if constexpr (isImage<index>()) {
                 std::get<index + 1>(good_) = row;
@@ -160,7 +180,6 @@ class Ladder {
 
     const char* name_;
     KprStatus (*function_)(A...);
-    int channels_;
     Arguments good_{};
     std::vector<GuardedBytes> memory_;
     std::vector<Image> images_;
