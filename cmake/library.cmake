@@ -8,6 +8,7 @@ add_library(kprcv_objects OBJECT
     frame/cache.cpp
     frame/version.cpp
     primitives/arithmetic.cpp
+    primitives/border.cpp
     primitives/copy.cpp
     primitives/extrema.cpp
     primitives/math.cpp

@@ -428,6 +428,32 @@ KPR_INLINE Vec<T> keep(Mask<T> mask, Vec<T> v) {
     if constexpr (sizeof(T) == 8) return vec<T>(_mm512_maskz_mov_epi64(mask, bits(v)));
 }
 
+// ---- lanes moved about
+
+// A constant whose lane i is rule(i); the rule is a lambda that captures nothing.
+template <typename T, typename Rule>
+struct LaneTable {
+    alignas(64) T lanes[kLanes<T>] = {};
+    constexpr explicit LaneTable(Rule rule) {
+        for (int i = 0; i < kLanes<T>; ++i) lanes[i] = static_cast<T>(rule(i));
+    }
+};
+template <typename T, typename Rule>
+KPR_INLINE Vec<T> laneConstant(Rule) {
+    static constexpr LaneTable<T, Rule> table{Rule{}};
+    return load(table.lanes, All{});
+}
+
+// Lane i is v's lane from[i].
+KPR_INLINE Vec<Kpr32s> permute(Vec<Kpr32s> v, Vec<Kpr32s> from) {
+    return vec<Kpr32s>(_mm512_permutexvar_epi32(bits(from), bits(v)));
+}
+
+// Byte i is v's byte from[i] of the same 16 bytes, counted from their first.
+KPR_INLINE Vec<Kpr8u> permuteIn16(Vec<Kpr8u> v, Vec<Kpr8u> from) {
+    return vec<Kpr8u>(_mm512_shuffle_epi8(bits(v), bits(from)));
+}
+
 // ---- narrow elements in the lanes of a wider type
 
 // `lanes` elements of fewer than 64 bytes: in an __m128i up to 16 bytes, else in an __m256i.

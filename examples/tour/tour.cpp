@@ -97,6 +97,8 @@ int main(int argc, char** argv) {
         tour.chapter("The photograph", "What every step starts from.");
         tour.show("photograph", "as read, in gray", tour.photo());
         tour::tourStats(tour);
+        tour::tourStatistics(tour);
+        tour::tourBorders(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';

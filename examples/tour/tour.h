@@ -54,6 +54,7 @@ class Tour {
 
 // The chapters, in their order.
 void tourStats(Tour& tour);
+void tourStatistics(Tour& tour);
 void tourBorders(Tour& tour);
 
 }  // namespace tour
