@@ -66,8 +66,9 @@ constexpr Mask<T> channelLanes(int channel, int turn) {
 template <typename T, int channels, typename Rule>
 class Running {
   public:
-    // One vector a turn: three for three channels, and for one channel enough to keep the processor busy.
-    static constexpr int kTurns = channels == 1 ? 2 : channels;
+    // One vector a turn: three for three channels, and for one channel as many as hide the latency of a choice, which
+    // of floats takes four cycles and of integers one.
+    static constexpr int kTurns = channels == 1 ? (std::is_floating_point_v<T> ? 4 : 2) : channels;
 
     KPR_INLINE Running() {
         const Vec<T> worst = broadcast(Rule::template worst<T>);
@@ -97,8 +98,8 @@ class Running {
         return final_;
     }
 
-    // The extremum and its position. Only where the worst value is the extremum is it not surely in the noted row.
-    KPR_INLINE Extremum<T> find(Rows<const T> src, KprSize roi, int channel) const {
+    // The extremum and its position. In the noted row, unless no row has improved on the worst value.
+    [[nodiscard]] KPR_INLINE Extremum<T> find(Rows<const T> src, KprSize roi, int channel) const {
         for (int y = rowOf_[channel]; y < roi.height; ++y) {
             const T* row = src[y];
             const auto holdsIt = [&](auto part, const T* s) {
@@ -111,11 +112,11 @@ class Running {
         return {src.first[channel], 0, 0};  // nothing but NaN
     }
 
-    // The extremum alone. A float that any of several pixels may be has to be looked for.
-    KPR_INLINE T value(Rows<const T> src, KprSize roi, int channel) const {
+    // The extremum alone. A zero's sign, and whether there was anything but NaN, has to be looked for.
+    [[nodiscard]] KPR_INLINE T value(Rows<const T> src, KprSize roi, int channel) const {
         const T best = firstLane(best_[channel]);
-        if (std::is_floating_point_v<T> && (best == 0 || best == Rule::template worst<T>)) {
-            return find(src, roi, channel).value;
+        if constexpr (std::is_floating_point_v<T>) {
+            if (best == 0 || best == Rule::template worst<T>) return find(src, roi, channel).value;
         }
         return best;
     }
@@ -124,24 +125,19 @@ class Running {
     static constexpr auto choose = [](Vec<T> a, Vec<T> b) { return Rule::choose(a, b); };
 
     // Whether a lane is better than its channel's best.
-    KPR_INLINE bool improved() const {
-        if constexpr (channels == 1) {
-            const Vec<T> all = choose(lanes_[0], lanes_[1]);
-            return Rule::improves(all, best_[0]) != 0;
-        } else {
-            return (improvedLanes(0) | improvedLanes(1) | improvedLanes(2)) != 0;
-        }
-    }
-
-    KPR_INLINE Mask<T> improvedLanes(int turn) const {
-        Vec<T> known = best_[0];
-        takeTurns<channels>(
-            [&](auto channel) { known = select(channelLanes<T, channels>(channel, turn), best_[channel], known); });
-        return Rule::improves(lanes_[turn], known);
+    [[nodiscard]] KPR_INLINE bool improved() const {
+        Bits64 lanes = 0;
+        takeTurns<kTurns>([&](auto turn) {
+            Vec<T> known = best_[0];
+            takeTurns<channels>(
+                [&](auto channel) { known = select(channelLanes<T, channels>(channel, turn), best_[channel], known); });
+            lanes |= Rule::improves(lanes_[turn], known);
+        });
+        return lanes != 0;
     }
 
     // What belongs to a channel, in one vector.
-    KPR_INLINE Vec<T> lanesOf(int channel) const {
+    [[nodiscard]] KPR_INLINE Vec<T> lanesOf(int channel) const {
         Vec<T> all = broadcast(Rule::template worst<T>);
         takeTurns<kTurns>(
             [&](auto turn) { all = choose(select(channelLanes<T, channels>(channel, turn), lanes_[turn], all), all); });
@@ -162,7 +158,7 @@ KPR_INLINE void scanRows(Rows<const T> src, KprSize roi, Running<T, channels, Ru
         walkRowInTurns<kLanes<T>, turns>(
             Kpr64s{channels} * roi.width,
             [&](auto part, auto turn, const T* s) {
-                const Vec<T> v = load(s, part);
+                const Vec<T> v = loadOnce(s, part);
                 (running.take(part, turn, v), ...);
             },
             src[y]);

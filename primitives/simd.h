@@ -115,6 +115,15 @@ KPR_INLINE Vec<T> load(const T* src, Lanes part, Vec<T> others) {
     if constexpr (sizeof(T) == 8) return vec<T>(_mm512_mask_loadu_epi64(o, static_cast<__mmask8>(part.bits), src));
 }
 
+// The same for a vector that has several uses: GCC would read memory anew for each of them, and a vector that lies
+// across two cache lines costs two reads.
+template <typename T, typename Part>
+KPR_INLINE Vec<T> loadOnce(const T* src, Part part) {
+    Vec<T> v = load(src, part);
+    asm("" : "+v"(v.raw));
+    return v;
+}
+
 template <typename T>
 KPR_INLINE void store(T* dst, Vec<T> v, All) {
     _mm512_storeu_si512(dst, bits(v));

@@ -38,7 +38,8 @@ struct Place {
 
 template <typename T>
 bool isNan(T value) {
-    return value != value;
+    if constexpr (std::is_floating_point_v<T>) return std::isnan(value);
+    return false;
 }
 
 // The first pixel in row-major order that none is better than; NaN are passed over.
