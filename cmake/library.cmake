@@ -6,6 +6,8 @@
 
 add_library(kprcv_objects OBJECT
     frame/version.cpp
+    filter/column_pipeline.cpp
+    filter/row_pipeline.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
 )

@@ -136,6 +136,11 @@ KPR_INLINE Vec<T> operator&(Vec<T> a, Vec<T> b) {
     return vec<T>(_mm512_and_si512(bits(a), bits(b)));
 }
 
+template <typename T>
+KPR_INLINE Vec<T> operator^(Vec<T> a, Vec<T> b) {
+    return vec<T>(_mm512_xor_si512(bits(a), bits(b)));
+}
+
 // a where a < b, else b: of floats, b where either is a NaN.
 template <typename T>
 KPR_INLINE Vec<T> min(Vec<T> a, Vec<T> b) {
@@ -171,6 +176,37 @@ KPR_INLINE Vec<T> absDiff(Vec<T> a, Vec<T> b) {
 KPR_INLINE Vec<Kpr32f> fma(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
     return vec(_mm512_fmadd_ps(ps(a), ps(b), ps(c)));
 }
+
+// ---- 16-bit lanes and their sums in 32 bits
+
+// Lane i is a[2i] * b[2i] + a[2i+1] * b[2i+1], in 32 bits that wrap.
+KPR_INLINE Vec<Kpr32s> sumPairs(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr32s>(_mm512_madd_epi16(bits(a), bits(b)));
+}
+
+// The lanes of a and b in turn: of the lower or upper half of each block of 16 bytes.
+KPR_INLINE Vec<Kpr16s> interleaveLower(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr16s>(_mm512_unpacklo_epi16(bits(a), bits(b)));
+}
+KPR_INLINE Vec<Kpr16s> interleaveUpper(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr16s>(_mm512_unpackhi_epi16(bits(a), bits(b)));
+}
+
+// Block of 16 bytes by block, the lanes of `lower` and then those of `upper`, each the nearest value of To's range: the
+// order that the interleaving took apart.
+template <typename To>
+KPR_INLINE Vec<To> join(Vec<Kpr32s> lower, Vec<Kpr32s> upper) {
+    if constexpr (std::is_same_v<To, Kpr16s>) return vec<To>(_mm512_packs_epi32(bits(lower), bits(upper)));
+    if constexpr (std::is_same_v<To, Kpr16u>) return vec<To>(_mm512_packus_epi32(bits(lower), bits(upper)));
+}
+
+// ---- between floats and integers
+
+KPR_INLINE Vec<Kpr32f> toFloats(Vec<Kpr32s> v) { return vec(_mm512_cvtepi32_ps(bits(v))); }
+
+// To the nearest integer, ties to even, or toward zero. What does not fit, and a NaN, becomes the least integer.
+KPR_INLINE Vec<Kpr32s> nearest(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvtps_epi32(ps(v))); }
+KPR_INLINE Vec<Kpr32s> truncated(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvttps_epi32(ps(v))); }
 
 // ---- masks
 
@@ -267,6 +303,8 @@ KPR_INLINE void storeAs(To* dst, Vec<From> v, Part part) {
     if constexpr (std::is_same_v<From, To>) store(dst, v, part);
     if constexpr (std::is_same_v<From, Kpr16s> && std::is_same_v<To, Kpr8u>)
         storeNarrow<lanes>(dst, _mm512_cvtusepi16_epi8(positive), part);
+    if constexpr (std::is_same_v<From, Kpr16s> && std::is_same_v<To, Kpr8s>)
+        storeNarrow<lanes>(dst, _mm512_cvtsepi16_epi8(bits(v)), part);
     if constexpr (std::is_same_v<From, Kpr32s> && std::is_same_v<To, Kpr8u>)
         storeNarrow<lanes>(dst, _mm512_cvtusepi32_epi8(positive), part);
     if constexpr (std::is_same_v<From, Kpr32s> && std::is_same_v<To, Kpr16u>)
