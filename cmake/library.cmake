@@ -8,6 +8,9 @@ add_library(kprcv_objects OBJECT
     frame/version.cpp
     filter/column_pipeline.cpp
     filter/row_pipeline.cpp
+    primitives/math.cpp
+    primitives/sort.cpp
+    primitives/vector_math.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
 )

@@ -107,8 +107,8 @@ class IntegerTaps {
     // A product may reach 2^31, by a divisor of -1 or a sum that is rounded up: it stays where it converts.
     template <Conversion conversion>
     [[nodiscard]] KPR_INLINE Vec<Kpr32s> scaled(Vec<Kpr32s> sum) const {
-        const Vec<Kpr32f> value = min(toFloats(sum) * inverse_, broadcast(65536.0F));
-        return conversion == Conversion::Nearest ? nearest(value) : truncated(value);
+        const Vec<Kpr32f> value = min(toFloat(sum) * inverse_, broadcast(65536.0F));
+        return conversion == Conversion::Nearest ? toInteger(value) : truncated(value);
     }
 
     [[nodiscard]] KPR_INLINE Vec<Kpr16s> pair(int i) const {

@@ -68,6 +68,15 @@ KPR_INLINE Vec<To> as(Vec<T> v) {
 
 // ---- load, store, broadcast
 
+// a where the mask is set, b elsewhere.
+template <typename T>
+KPR_INLINE Vec<T> select(Mask<T> mask, Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_mask_blend_epi8(mask, bits(b), bits(a)));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_mask_blend_epi16(mask, bits(b), bits(a)));
+    if constexpr (sizeof(T) == 4) return vec<T>(_mm512_mask_blend_epi32(mask, bits(b), bits(a)));
+    if constexpr (sizeof(T) == 8) return vec<T>(_mm512_mask_blend_epi64(mask, bits(b), bits(a)));
+}
+
 template <typename T>
 KPR_INLINE Vec<T> load(const T* src, All) {
     return vec<T>(_mm512_loadu_si512(src));
@@ -132,8 +141,30 @@ KPR_INLINE Vec<T> operator*(Vec<T> a, Vec<T> b) {
     return as<T>(Vec<Wrapping<T>>{as<Wrapping<T>>(a).raw * as<Wrapping<T>>(b).raw});
 }
 template <typename T>
+KPR_INLINE Vec<T> operator/(Vec<T> a, Vec<T> b) {
+    static_assert(std::is_floating_point_v<T>);
+    return {a.raw / b.raw};
+}
+template <typename T>
 KPR_INLINE Vec<T> operator&(Vec<T> a, Vec<T> b) {
     return vec<T>(_mm512_and_si512(bits(a), bits(b)));
+}
+template <typename T>
+KPR_INLINE Vec<T> operator|(Vec<T> a, Vec<T> b) {
+    return vec<T>(_mm512_or_si512(bits(a), bits(b)));
+}
+
+// Integer lanes of 4 bytes moved by `count` bits, at least 0; those of a signed type keep their sign on the way right.
+template <typename T>
+KPR_INLINE Vec<T> operator<<(Vec<T> v, int count) {
+    static_assert(std::is_integral_v<T> && sizeof(T) == 4);
+    return vec<T>(_mm512_sll_epi32(bits(v), _mm_cvtsi32_si128(count)));
+}
+template <typename T>
+KPR_INLINE Vec<T> operator>>(Vec<T> v, int count) {
+    static_assert(std::is_integral_v<T> && sizeof(T) == 4);
+    if constexpr (std::is_signed_v<T>) return vec<T>(_mm512_sra_epi32(bits(v), _mm_cvtsi32_si128(count)));
+    if constexpr (std::is_unsigned_v<T>) return vec<T>(_mm512_srl_epi32(bits(v), _mm_cvtsi32_si128(count)));
 }
 
 template <typename T>
@@ -148,6 +179,7 @@ KPR_INLINE Vec<T> min(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_min_epu16(bits(a), bits(b)));
     if constexpr (std::is_same_v<T, Kpr16s>) return vec<T>(_mm512_min_epi16(bits(a), bits(b)));
     if constexpr (std::is_same_v<T, Kpr32s>) return vec<T>(_mm512_min_epi32(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, unsigned>) return vec<T>(_mm512_min_epu32(bits(a), bits(b)));
     if constexpr (std::is_same_v<T, Kpr32f>) return vec(_mm512_min_ps(ps(a), ps(b)));
     if constexpr (std::is_same_v<T, Kpr64f>) return vec(_mm512_min_pd(pd(a), pd(b)));
 }
@@ -200,15 +232,41 @@ KPR_INLINE Vec<To> join(Vec<Kpr32s> lower, Vec<Kpr32s> upper) {
     if constexpr (std::is_same_v<To, Kpr16u>) return vec<To>(_mm512_packus_epi32(bits(lower), bits(upper)));
 }
 
-// ---- between floats and integers
+// Correctly rounded; a NaN of what is below zero, and -0 of -0.
+KPR_INLINE Vec<Kpr32f> sqrt(Vec<Kpr32f> v) { return vec(_mm512_sqrt_ps(ps(v))); }
 
-KPR_INLINE Vec<Kpr32f> toFloats(Vec<Kpr32s> v) { return vec(_mm512_cvtepi32_ps(bits(v))); }
+KPR_INLINE Vec<Kpr32f> abs(Vec<Kpr32f> v) { return vec(_mm512_abs_ps(ps(v))); }
 
-// To the nearest integer, ties to even, or toward zero. What does not fit, and a NaN, becomes the least integer.
-KPR_INLINE Vec<Kpr32s> nearest(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvtps_epi32(ps(v))); }
-KPR_INLINE Vec<Kpr32s> truncated(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvttps_epi32(ps(v))); }
+// To the nearest value of the other type, ties to even. What does not fit into an integer, and a NaN, becomes the
+// least.
+KPR_INLINE Vec<Kpr32f> toFloat(Vec<unsigned> v) { return vec(_mm512_cvtepu32_ps(bits(v))); }
+KPR_INLINE Vec<Kpr32f> toFloat(Vec<Kpr32s> v) { return vec(_mm512_cvtepi32_ps(bits(v))); }
+KPR_INLINE Vec<Kpr32s> toInteger(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvtps_epi32(ps(v))); }
+KPR_INLINE Vec<Kpr32s> truncated(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvttps_epi32(ps(v))); }  // toward zero
 
 // ---- masks
+
+// Where a < b: of floats, false where either is a NaN.
+template <typename T>
+KPR_INLINE Mask<T> less(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return _mm512_cmplt_epu8_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr16u>) return _mm512_cmplt_epu16_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr16s>) return _mm512_cmplt_epi16_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr32s>) return _mm512_cmplt_epi32_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_LT_OQ);
+}
+
+// Where a == b: of floats, false where either is a NaN.
+template <typename T>
+KPR_INLINE Mask<T> equal(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_integral_v<T> && sizeof(T) == 1) return _mm512_cmpeq_epi8_mask(bits(a), bits(b));
+    if constexpr (std::is_integral_v<T> && sizeof(T) == 2) return _mm512_cmpeq_epi16_mask(bits(a), bits(b));
+    if constexpr (std::is_integral_v<T> && sizeof(T) == 4) return _mm512_cmpeq_epi32_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_EQ_OQ);
+}
+
+// Where the sign bit is set: that of a zero or a NaN too.
+KPR_INLINE Mask<Kpr32f> signs(Vec<Kpr32f> v) { return _mm512_movepi32_mask(bits(v)); }
 
 // A lane of T for each byte of `src`, set where the byte is not zero.
 template <typename T, typename Part>
