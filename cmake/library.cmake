@@ -7,6 +7,9 @@
 add_library(kprcv_objects OBJECT
     frame/version.cpp
     filter/column_pipeline.cpp
+    filter/gaussian_border.cpp
+    filter/gaussian_init.cpp
+    filter/gaussian_large.cpp
     filter/row_pipeline.cpp
     primitives/math.cpp
     primitives/sort.cpp

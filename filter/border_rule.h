@@ -35,11 +35,14 @@ struct Axis {
     KprBorderType mode;
     bool lowInMemory, highInMemory;
 
+    [[nodiscard]] KPR_INLINE constexpr bool isReal(Kpr64s index) const {
+        return index < 0 ? lowInMemory : index < size || highInMemory;
+    }
+
     // A reflection may land beyond the other side: it goes on until it meets the ROI or real memory.
-    constexpr Kpr64s operator()(Kpr64s index) const {
+    KPR_INLINE constexpr Kpr64s operator()(Kpr64s index) const {
         for (;;) {
-            if (index >= 0 && index < size) return index;
-            if (index < 0 ? lowInMemory : highInMemory) return index;
+            if (isReal(index)) return index;
             if (mode == kprBorderConstant) return kConstant;
             if (mode == kprBorderReplicate) return index < 0 ? 0 : size - 1;
             if (size == 1) return 0;
@@ -61,7 +64,7 @@ struct BorderedRow {
     Axis axis;
     int before, after;
     const T* value;  // one element a channel; read only where the word asks for it
-    T* strip;        // room for 2 * (before + after) pixels
+    T* strip;        // room for before + after pixels and as many as the border touches on either side
 
     // Columns that read a synthesised pixel are filtered from a strip, by `edge`; all others by `inner` where they lie.
     // Both take the first pixel read, the first column written, and the number of columns.

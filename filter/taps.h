@@ -45,8 +45,14 @@ struct Sums {
     Vec<Kpr32s> lower, upper;
 };
 
+// What a caller knows beforehand about integer taps and their divisor.
+struct Known {
+    bool folds = false;    // the taps are symmetric, and two pixels' sum fits in 16 bits: pairs are added first
+    bool shrinks = false;  // the divisor is 2 or more: no product leaves 32 bits
+};
+
 // Integer taps, two and two as `sumPairs` takes them; the last of an odd number stands beside a zero.
-template <typename Src, int size>
+template <typename Src, int size, Known known = Known{}>
 class IntegerTaps {
   public:
     using Pixel = Src;
@@ -55,7 +61,7 @@ class IntegerTaps {
     IntegerTaps(const Kpr16s* kernel, int kernelSize, int divisor)
         : kernel_(kernel), kernelSize_(kernelSize), inverse_(broadcast(1.0F / static_cast<float>(divisor))) {
         if constexpr (size > 0) {
-            for (int i = 0; i < (size + 1) / 2; ++i) pairs_[i] = load(i, size);
+            for (int i = 0; i < (terms() + 1) / 2; ++i) pairs_[i] = load(i);
         }
         // 16u is summed less 0x8000: sumPairs is signed. What that takes away is the same for all pixels.
         unsigned less = 0;
@@ -76,18 +82,24 @@ class IntegerTaps {
     }
 
   private:
-    static constexpr int kWrittenOut = size == 0 ? 1 : (size + 1) / 2;
+    // The pixels, or the sums of pixels, that are multiplied.
+    [[nodiscard]] KPR_INLINE constexpr int terms() const {
+        const int taps = size == 0 ? kernelSize_ : size;
+        return known.folds ? taps / 2 + 1 : taps;
+    }
 
     template <typename Part, typename At>
     [[nodiscard]] KPR_INLINE Sums sum(Part part, At at) const {
-        const int whole = kernelSize_ / 2;
+        constexpr int kPairs = (known.folds ? size / 2 + 1 : size) / 2;
+        const auto term = [&](int i) __attribute__((always_inline)) {
+            const Vec<Kpr16s> pixel = words(at(i), part);
+            return known.folds && i < terms() - 1 ? pixel + words(at(2 * (terms() - 1) - i), part) : pixel;
+        };
         Sums sums = {start_, start_};
-        repeat<size / 2>(
-            whole, [&](int i) __attribute__((always_inline)) {
-                add(sums, words(at(2 * i), part), words(at(2 * i + 1), part), pair(i));
-            });
-        if (size == 0 ? kernelSize_ % 2 != 0 : size % 2 != 0)
-            add(sums, words(at(kernelSize_ - 1), part), zero<Kpr16s>(), pair(whole));
+        repeat<kPairs>(
+            terms() / 2, [&](int i)
+                             __attribute__((always_inline)) { add(sums, term(2 * i), term(2 * i + 1), pair(i)); });
+        if (terms() % 2 != 0) add(sums, term(terms() - 1), zero<Kpr16s>(), pair(terms() / 2));
         return sums;
     }
 
@@ -107,7 +119,8 @@ class IntegerTaps {
     // A product may reach 2^31, by a divisor of -1 or a sum that is rounded up: it stays where it converts.
     template <Conversion conversion>
     [[nodiscard]] KPR_INLINE Vec<Kpr32s> scaled(Vec<Kpr32s> sum) const {
-        const Vec<Kpr32f> value = min(toFloat(sum) * inverse_, broadcast(65536.0F));
+        Vec<Kpr32f> value = toFloat(sum) * inverse_;
+        if constexpr (!known.shrinks) value = min(value, broadcast(65536.0F));
         return conversion == Conversion::Nearest ? toInteger(value) : truncated(value);
     }
 
@@ -115,11 +128,11 @@ class IntegerTaps {
         if constexpr (size > 0)
             return pairs_[i];
         else
-            return load(i, kernelSize_);
+            return load(i);
     }
-    [[nodiscard]] KPR_INLINE Vec<Kpr16s> load(Kpr64s i, int count) const {
+    [[nodiscard]] KPR_INLINE Vec<Kpr16s> load(Kpr64s i) const {
         const unsigned low = static_cast<Kpr16u>(kernel_[2 * i]);
-        const unsigned high = 2 * i + 1 < count ? static_cast<Kpr16u>(kernel_[2 * i + 1]) : 0U;
+        const unsigned high = 2 * i + 1 < terms() ? static_cast<Kpr16u>(kernel_[2 * i + 1]) : 0U;
         return as<Kpr16s>(broadcast(static_cast<Kpr32s>(low | high << 16)));
     }
 
@@ -127,7 +140,7 @@ class IntegerTaps {
     int kernelSize_;
     Vec<Kpr32f> inverse_;
     Vec<Kpr32s> start_;
-    Vec<Kpr16s> pairs_[kWrittenOut];
+    Vec<Kpr16s> pairs_[size == 0 ? 1 : (size + 1) / 2];
 };
 
 template <int size>
@@ -176,9 +189,10 @@ KPR_INLINE auto tapsOf(const Kpr32f* kernel, int kernelSize, int) {
     return FloatTaps<size>(kernel, kernelSize);
 }
 
-// dst[x] for `count` elements of a row whose tap i lies over src[x + i * spacing].
+// dst[x] for `count` elements of a row whose tap i lies over src[x + i * spacing]. One copy serves all its callers:
+// what a call costs is nothing beside a row.
 template <Conversion conversion, int spacing, typename Taps, typename Dst>
-void filterRow(const Taps& taps, const typename Taps::Pixel* src, Dst* dst, Kpr64s count) {
+[[gnu::noinline]] void filterRow(const Taps& taps, const typename Taps::Pixel* src, Dst* dst, Kpr64s count) {
     using Src = typename Taps::Pixel;
     walkRow<Taps::kStep>(
         count,
@@ -191,7 +205,7 @@ void filterRow(const Taps& taps, const typename Taps::Pixel* src, Dst* dst, Kpr6
 
 // dst[x] for `count` elements, tap i over rows[i][x].
 template <typename Taps, typename Dst>
-void filterColumn(const Taps& taps, const typename Taps::Pixel* const* rows, Dst* dst, Kpr64s count) {
+[[gnu::noinline]] void filterColumn(const Taps& taps, const typename Taps::Pixel* const* rows, Dst* dst, Kpr64s count) {
     walkRow<Taps::kStep>(
         count,
         [taps, rows, dst](auto part, Dst* d) {

@@ -1,4 +1,4 @@
-/* Linear filters: separable pipelines. */
+/* Linear filters: separable pipelines and the Gaussian filter. */
 #ifndef KPRCV_FILTER_H
 #define KPRCV_FILTER_H
 
@@ -144,6 +144,131 @@ KprStatus kpriFilterColumnPipelineGetBufferSize_Low_16s_C1R(KprSize roiSize, int
 KprStatus kpriFilterColumnPipelineGetBufferSize_Low_16s_C3R(KprSize roiSize, int kernelSize, int* bufferSize);
 KprStatus kpriFilterColumnPipelineGetBufferSize_32f_C1R(KprSize roiSize, int kernelSize, int* bufferSize);
 KprStatus kpriFilterColumnPipelineGetBufferSize_32f_C3R(KprSize roiSize, int kernelSize, int* bufferSize);
+
+/* The Gaussian filter: a separable kernel of any odd size from 3 up, with
+ *
+ *     tap(x) = exp(-x * x / (2 * sigma * sigma)) / (sum of all taps),   x from -kernelSize / 2 to kernelSize / 2
+ *
+ * There are two forms, which differ in more than the width of their sizes:
+ *
+ *   kpriFilterGaussianBorder_...   32-bit sizes. Taps of integer images are integers (a tap of 1 counts 4096 for 8u and
+ *                                  32768 for 16u and 16s, where a tap that reaches 32768 wraps to -32768), and the
+ *                                  rows are rounded to integers between the two passes.
+ *   kpriFilterGaussian_..._L       64-bit sizes. Taps and rows are floats; an integer image is rounded once, at the
+ * end.
+ *
+ * Their results differ by a level here and there on integer images, and in the last bits on float images. A block made
+ * for one form must not be given to the other.
+ *
+ * Use: ask for the sizes, allocate, initialise the block, then filter any number of images. The block is only read from
+ * then on and may serve several threads; the buffer belongs to one call at a time and keeps nothing. Blocks start at a
+ * multiple of 4 bytes, buffers anywhere.
+ *
+ * kpriFilterGaussianGetBufferSize stores the bytes of the block and of the working buffer, the same buffer for
+ * initialising and filtering.
+ *
+ * roiSize       pixels, at least 1 x 1; an image that is filtered later may be smaller
+ * kernelSize    odd, at least 3
+ * dataType      kpr8u, kpr16u, kpr16s or kpr32f
+ * numChannels   1 or 3
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadArg for kernelSize, kprStatusBadDataType,
+ * kprStatusBadChannelCount, in this order. Sizes beyond 32 bits wrap. */
+typedef struct KprFilterGaussianSpec KprFilterGaussianSpec;
+
+KprStatus kpriFilterGaussianGetBufferSize(KprSize roiSize, uint32_t kernelSize, KprDataType dataType, int numChannels,
+                                          int* specSize, int* bufferSize);
+
+/* Computes the kernel into the block. What later calls filter must have this type and these channels, and use this
+ * border; it is kprBorderConstant, kprBorderReplicate or kprBorderMirror with any flags, or kprBorderInMem.
+ *
+ * Returns as kpriFilterGaussianGetBufferSize (kprStatusNullPtr for spec and buffer), then kprStatusBadArg for a sigma
+ * that is not above zero (a NaN too), then kprStatusBadBorder. */
+KprStatus kpriFilterGaussianInit(KprSize roiSize, uint32_t kernelSize, KprBorderType borderType, KprDataType dataType,
+                                 int numChannels, KprFilterGaussianSpec* spec, Kpr8u* buffer, Kpr32f sigma);
+
+/* Filters an image: the row stage, then the column stage (kpriFilterRowBorderPipeline, kpriFilterColumnPipeline) with
+ * the block's kernel and the scale as divisor; an 8u image goes through 8u16s and 16s8u, others stay in their type.
+ *
+ * Pixels left and right of the ROI are those of the block's border word. Rows above and below are read and filtered
+ * where the side's flag is set; elsewhere they are the filtered rows that the base mode names, and of kprBorderConstant
+ * the value itself. On a side whose flag is set, kernelSize / 2 rows or columns of real memory are read.
+ *
+ * src, dst      pixels; must not overlap
+ * borderValue   of kprBorderConstant; in the C3R forms three elements, one a channel, not read under other modes
+ * spec, buffer  as initialised and sized for this type, these channels and at least this ROI
+ *
+ * Returns kprStatusOk or the first failure: kprStatusNullPtr, kprStatusBadStep, kprStatusBadSize,
+ * kprStatusStepNotMultiple (16u, 16s, 32f), kprStatusBadBorder for the block's word; then 32f returns kprStatusBadArg
+ * for a bad kernel size in the block, while the integer forms return kprStatusOk and leave dst as it is. */
+KprStatus kpriFilterGaussianBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                                          Kpr8u borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussianBorder_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                                          const Kpr8u* borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussianBorder_16u_C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
+                                           Kpr16u borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussianBorder_16u_C3R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
+                                           const Kpr16u* borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussianBorder_16s_C1R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
+                                           Kpr16s borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussianBorder_16s_C3R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
+                                           const Kpr16s* borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussianBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
+                                           Kpr32f borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussianBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
+                                           const Kpr32f* borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+
+/* The large form. kpriFilterGaussianGetSpecSize_L stores the bytes of the block and of the initialisation's buffer,
+ * kpriFilterGaussianGetBufferSize_L those of the working buffer (borderType makes no difference and is not checked).
+ *
+ * Parameters and statuses as kpriFilterGaussianGetBufferSize. */
+KprStatus kpriFilterGaussianGetSpecSize_L(int kernelSize, KprDataType dataType, int numChannels, int64_t* specSize,
+                                          int64_t* initBufferSize);
+KprStatus kpriFilterGaussianGetBufferSize_L(KprSizeL roiSize, int kernelSize, KprDataType dataType,
+                                            KprBorderType borderType, int numChannels, int64_t* bufferSize);
+
+/* As kpriFilterGaussianInit, but that a NaN sigma is taken (all taps are then NaN), and that every border word up to
+ * 255 with all four flags counts as kprBorderInMem. The block keeps neither ROI nor border for later calls. */
+KprStatus kpriFilterGaussianInit_L(KprSizeL roiSize, int kernelSize, KprBorderType borderType, KprDataType dataType,
+                                   int numChannels, KprFilterGaussianSpec* spec, Kpr8u* buffer, Kpr32f sigma);
+
+/* Filters an image of any size with the border word of the call.
+ *
+ * Pairs of pixels at the same distance are added first (exactly, of integers), multiplied and summed by fused steps in
+ * single precision: rows into floats, then columns of these. The result is rounded to the nearest integer, ties to
+ * even, and saturated; 16s with five taps alone keeps the low 16 bits instead. Border pixels and rows as in
+ * kpriFilterGaussianBorder.
+ *
+ * borderValue   one element a channel; may be null unless the base mode is kprBorderConstant
+ * buffer        sized for at least this ROI, this kernel and these channels
+ *
+ * Returns kprStatusOk or the first failure: kprStatusNullPtr, kprStatusBadStep, kprStatusBadSize,
+ * kprStatusStepNotMultiple (16u, 16s, 32f), kprStatusBadBorder for a word above 255, kprStatusNullPtr for a missing
+ * borderValue, kprStatusBadBorder, kprStatusBadArg for a bad kernel size in the block. */
+KprStatus kpriFilterGaussian_8u_C1R_L(const Kpr8u* src, int64_t srcStep, Kpr8u* dst, int64_t dstStep, KprSizeL roiSize,
+                                      KprBorderType borderType, const Kpr8u* borderValue,
+                                      const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussian_8u_C3R_L(const Kpr8u* src, int64_t srcStep, Kpr8u* dst, int64_t dstStep, KprSizeL roiSize,
+                                      KprBorderType borderType, const Kpr8u* borderValue,
+                                      const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussian_16u_C1R_L(const Kpr16u* src, int64_t srcStep, Kpr16u* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr16u* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussian_16u_C3R_L(const Kpr16u* src, int64_t srcStep, Kpr16u* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr16u* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussian_16s_C1R_L(const Kpr16s* src, int64_t srcStep, Kpr16s* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr16s* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussian_16s_C3R_L(const Kpr16s* src, int64_t srcStep, Kpr16s* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr16s* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussian_32f_C1R_L(const Kpr32f* src, int64_t srcStep, Kpr32f* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr32f* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+KprStatus kpriFilterGaussian_32f_C3R_L(const Kpr32f* src, int64_t srcStep, Kpr32f* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr32f* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer);
 
 #ifdef __cplusplus
 }
