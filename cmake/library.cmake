@@ -7,10 +7,12 @@
 add_library(kprcv_objects OBJECT
     frame/version.cpp
     filter/column_pipeline.cpp
+    filter/fixed.cpp
     filter/gaussian_border.cpp
     filter/gaussian_init.cpp
     filter/gaussian_large.cpp
     filter/row_pipeline.cpp
+    filter/sobel.cpp
     primitives/math.cpp
     primitives/sort.cpp
     primitives/vector_math.cpp

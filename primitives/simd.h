@@ -216,6 +216,11 @@ KPR_INLINE Vec<Kpr32s> sumPairs(Vec<Kpr16s> a, Vec<Kpr16s> b) {
     return vec<Kpr32s>(_mm512_madd_epi16(bits(a), bits(b)));
 }
 
+// The upper 16 bits of the unsigned product.
+KPR_INLINE Vec<Kpr16u> mulHigh(Vec<Kpr16u> a, Vec<Kpr16u> b) {
+    return vec<Kpr16u>(_mm512_mulhi_epu16(bits(a), bits(b)));
+}
+
 // The lanes of a and b in turn: of the lower or upper half of each block of 16 bytes.
 KPR_INLINE Vec<Kpr16s> interleaveLower(Vec<Kpr16s> a, Vec<Kpr16s> b) {
     return vec<Kpr16s>(_mm512_unpacklo_epi16(bits(a), bits(b)));

@@ -1,4 +1,4 @@
-/* Linear filters: separable pipelines and the Gaussian filter. */
+/* Linear filters: separable pipelines, the Gaussian filter, and filters with fixed kernels. */
 #ifndef KPRCV_FILTER_H
 #define KPRCV_FILTER_H
 
@@ -269,6 +269,88 @@ KprStatus kpriFilterGaussian_32f_C1R_L(const Kpr32f* src, int64_t srcStep, Kpr32
 KprStatus kpriFilterGaussian_32f_C3R_L(const Kpr32f* src, int64_t srcStep, Kpr32f* dst, int64_t dstStep,
                                        KprSizeL roiSize, KprBorderType borderType, const Kpr32f* borderValue,
                                        const KprFilterGaussianSpec* spec, Kpr8u* buffer);
+
+/* The Laplacian: the sum of the second derivatives across and down, smoothed.
+ *
+ *     kprMaskSize3x3:  2  0  2        kprMaskSize5x5:  2  4   4   4  2
+ *                      0 -8  0                         4  0  -8   0  4
+ *                      2  0  2                         4 -8 -24  -8  4
+ *                                                      4  0  -8   0  4
+ *                                                      2  4   4   4  2
+ *
+ * 8u16s is exact. 32f adds the pixels in the corners as they stand in their rows, then these sums, t, and gives
+ * -8 * src + (t + t), the last step fused; the large mask is summed row by row. What lies under a zero of the mask is
+ * not looked at: a NaN there stays unseen.
+ *
+ * src, dst      pixels; must not overlap
+ * roiSize       pixels; at least 1 x 1
+ * maskSize      kprMaskSize3x3 or kprMaskSize5x5
+ * borderType    kprBorderConstant, kprBorderReplicate or kprBorderMirror with any flags, or kprBorderInMem. On a side
+ *               whose flag is set, one or two rows or columns of real memory outside the ROI are read.
+ * borderValue   of kprBorderConstant
+ * buffer        working memory of the size that the sizing call tells for this ROI and mask, at any address
+ *
+ * Returns kprStatusOk or the first failure: kprStatusNullPtr, kprStatusBadSize, kprStatusBadStep,
+ * kprStatusStepNotMultiple (dstStep of 8u16s; both steps of 32f), kprStatusBadBorder, kprStatusBadMaskSize. */
+KprStatus kpriFilterLaplacianBorder_8u16s_C1R(const Kpr8u* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
+                                              KprMaskSize maskSize, KprBorderType borderType, Kpr8u borderValue,
+                                              Kpr8u* buffer);
+KprStatus kpriFilterLaplacianBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
+                                            KprMaskSize maskSize, KprBorderType borderType, Kpr32f borderValue,
+                                            Kpr8u* buffer);
+
+/* The bytes of working memory, stored to *bufferSize, for one ROI or any smaller one.
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize or kprStatusBadMaskSize. */
+KprStatus kpriFilterLaplacianGetBufferSize_8u16s_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
+KprStatus kpriFilterLaplacianGetBufferSize_32f_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
+
+/* The low-pass average of 9 or 25 pixels, of which s is the sum.
+ *
+ * 8u     ((s + 5) * 7280) >> 16 of 9 pixels; (s * 2621) >> 16 of 25, which has no rounding term: an image of 255
+ *        gives 254 there.
+ * 32f    s in single precision, first along the rows, from left to right, then down; times the float nearest to 1/9 or
+ *        1/25.
+ *
+ * Parameters and statuses as kpriFilterLaplacianBorder; 8u steps may be odd. */
+KprStatus kpriFilterLowpassBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                                         KprMaskSize maskSize, KprBorderType borderType, Kpr8u borderValue,
+                                         Kpr8u* buffer);
+KprStatus kpriFilterLowpassBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
+                                          KprMaskSize maskSize, KprBorderType borderType, Kpr32f borderValue,
+                                          Kpr8u* buffer);
+
+/* As of the Laplacian. */
+KprStatus kpriFilterLowpassGetBufferSize_8u_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
+KprStatus kpriFilterLowpassGetBufferSize_32f_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
+
+/* The cross derivative, d2 / dx dy: the kernel 1 0 -1 (or 1 2 0 -2 -1) across and -1 0 1 (or -1 -2 0 2 1) down.
+ *
+ * 8u16s is exact; 32f adds the taps in order by fused steps, first across, then down. Zeros of the mask, parameters and
+ * statuses as kpriFilterLaplacianBorder. */
+KprStatus kpriFilterSobelCrossBorder_8u16s_C1R(const Kpr8u* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
+                                               KprMaskSize maskSize, KprBorderType borderType, Kpr8u borderValue,
+                                               Kpr8u* buffer);
+KprStatus kpriFilterSobelCrossBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
+                                             KprMaskSize maskSize, KprBorderType borderType, Kpr32f borderValue,
+                                             Kpr8u* buffer);
+
+/* As of the Laplacian. */
+KprStatus kpriFilterSobelCrossGetBufferSize_8u16s_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
+KprStatus kpriFilterSobelCrossGetBufferSize_32f_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
+
+/* A Sobel kernel of any odd length: kernelSize - derivativeOrder - 1 times smoothed by 1 1 and derivativeOrder times
+ * differenced by -1 1, the tap of the lowest coordinate first; negated if sign is below zero.
+ *
+ * A length of 5 gives 1 4 6 4 1, -1 -2 0 2 1 and 1 0 -2 0 1 for the orders 0, 1 and 2. The 16-bit form wraps.
+ *
+ * kernel            kernelSize elements, written
+ * kernelSize        odd, at least 1
+ * derivativeOrder   0 to kernelSize - 1
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, or kprStatusBadArg for kernelSize or derivativeOrder. */
+KprStatus kpriGenSobelKernel_16s(Kpr16s* kernel, int kernelSize, int derivativeOrder, int sign);
+KprStatus kpriGenSobelKernel_32f(Kpr32f* kernel, int kernelSize, int derivativeOrder, int sign);
 
 #ifdef __cplusplus
 }
