@@ -7,6 +7,13 @@
 add_library(kprcv_objects OBJECT
     frame/cache.cpp
     frame/version.cpp
+    filter/column_pipeline.cpp
+    filter/fixed.cpp
+    filter/gaussian_border.cpp
+    filter/gaussian_init.cpp
+    filter/gaussian_large.cpp
+    filter/row_pipeline.cpp
+    filter/sobel.cpp
     primitives/arithmetic.cpp
     primitives/border.cpp
     primitives/copy.cpp

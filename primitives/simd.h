@@ -276,6 +276,11 @@ KPR_INLINE Vec<T> operator>>(Vec<T> v, int count) {
     }
 }
 
+template <typename T>
+KPR_INLINE Vec<T> operator^(Vec<T> a, Vec<T> b) {
+    return vec<T>(_mm512_xor_si512(bits(a), bits(b)));
+}
+
 // a where a < b, else b: of floats, b where either is a NaN.
 template <typename T>
 KPR_INLINE Vec<T> min(Vec<T> a, Vec<T> b) {
@@ -313,14 +318,45 @@ KPR_INLINE Vec<Kpr32f> fma(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
     return vec(_mm512_fmadd_ps(ps(a), ps(b), ps(c)));
 }
 
+// ---- 16-bit lanes and their sums in 32 bits
+
+// Lane i is a[2i] * b[2i] + a[2i+1] * b[2i+1], in 32 bits that wrap.
+KPR_INLINE Vec<Kpr32s> sumPairs(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr32s>(_mm512_madd_epi16(bits(a), bits(b)));
+}
+
+// The upper 16 bits of the unsigned product.
+KPR_INLINE Vec<Kpr16u> mulHigh(Vec<Kpr16u> a, Vec<Kpr16u> b) {
+    return vec<Kpr16u>(_mm512_mulhi_epu16(bits(a), bits(b)));
+}
+
+// The lanes of a and b in turn: of the lower or upper half of each block of 16 bytes.
+KPR_INLINE Vec<Kpr16s> interleaveLower(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr16s>(_mm512_unpacklo_epi16(bits(a), bits(b)));
+}
+KPR_INLINE Vec<Kpr16s> interleaveUpper(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr16s>(_mm512_unpackhi_epi16(bits(a), bits(b)));
+}
+
+// Block of 16 bytes by block, the lanes of `lower` and then those of `upper`, each the nearest value of To's range: the
+// order that the interleaving took apart.
+template <typename To>
+KPR_INLINE Vec<To> join(Vec<Kpr32s> lower, Vec<Kpr32s> upper) {
+    if constexpr (std::is_same_v<To, Kpr16s>) return vec<To>(_mm512_packs_epi32(bits(lower), bits(upper)));
+    if constexpr (std::is_same_v<To, Kpr16u>) return vec<To>(_mm512_packus_epi32(bits(lower), bits(upper)));
+}
+
 // Correctly rounded; a NaN of what is below zero, and -0 of -0.
 KPR_INLINE Vec<Kpr32f> sqrt(Vec<Kpr32f> v) { return vec(_mm512_sqrt_ps(ps(v))); }
 
 KPR_INLINE Vec<Kpr32f> abs(Vec<Kpr32f> v) { return vec(_mm512_abs_ps(ps(v))); }
 
-// To the nearest value of the other type, ties to even.
+// To the nearest value of the other type, ties to even. What does not fit into an integer, and a NaN, becomes the
+// least.
 KPR_INLINE Vec<Kpr32f> toFloat(Vec<unsigned> v) { return vec(_mm512_cvtepu32_ps(bits(v))); }
+KPR_INLINE Vec<Kpr32f> toFloat(Vec<Kpr32s> v) { return vec(_mm512_cvtepi32_ps(bits(v))); }
 KPR_INLINE Vec<Kpr32s> toInteger(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvtps_epi32(ps(v))); }
+KPR_INLINE Vec<Kpr32s> truncated(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvttps_epi32(ps(v))); }  // toward zero
 
 // v * 2^exponent, rounded once; an exponent may be any integer.
 KPR_INLINE Vec<Kpr32f> timesPowerOf2(Vec<Kpr32f> v, Vec<Kpr32f> exponent) {
@@ -524,6 +560,12 @@ KPR_INLINE Vec<To> loadAs(const From* src, Part part) {
     }
 }
 
+// The low 16 bits of each lane.
+template <typename Part>
+KPR_INLINE void storeLow(Kpr16s* dst, Vec<Kpr32s> v, Part part) {
+    storeNarrow<kLanes<Kpr32s>>(dst, _mm512_cvtepi32_epi16(bits(v)), part);
+}
+
 // kLanes<From> elements, each the nearest value of To's range: From is signed.
 template <typename To, typename From, typename Part>
 KPR_INLINE void storeAs(To* dst, Vec<From> v, Part part) {
@@ -532,6 +574,8 @@ KPR_INLINE void storeAs(To* dst, Vec<From> v, Part part) {
     if constexpr (std::is_same_v<From, To>) store(dst, v, part);
     if constexpr (std::is_same_v<From, Kpr16s> && std::is_same_v<To, Kpr8u>)
         storeNarrow<lanes>(dst, _mm512_cvtusepi16_epi8(positive), part);
+    if constexpr (std::is_same_v<From, Kpr16s> && std::is_same_v<To, Kpr8s>)
+        storeNarrow<lanes>(dst, _mm512_cvtsepi16_epi8(bits(v)), part);
     if constexpr (std::is_same_v<From, Kpr32s> && std::is_same_v<To, Kpr8u>)
         storeNarrow<lanes>(dst, _mm512_cvtusepi32_epi8(positive), part);
     if constexpr (std::is_same_v<From, Kpr32s> && std::is_same_v<To, Kpr16u>)

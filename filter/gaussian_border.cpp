@@ -1,0 +1,169 @@
+// The Gaussian filter with 32-bit sizes: the row and the column stage with one kernel, and a ring of rows between them.
+//
+// The rows of an integer image are rounded to integers between the stages: those of 8u to 16s, to nearest, but in the
+// columns that read a synthesised pixel by truncation. A row outside the ROI is a filtered row that the border word
+// names; of a constant it is that value itself.
+#include "filter/gaussian_block.h"
+#include "filter/ring.h"
+#include "filter/taps.h"
+
+namespace n0 {
+namespace {
+
+template <typename T>
+using Middle = std::conditional_t<std::is_same_v<T, Kpr8u>, Kpr16s, T>;
+
+template <typename T>
+struct Call {
+    Rows<const T> src;
+    Rows<T> dst;
+    KprSize roi;
+    const T* value;
+    KprBorderType border;
+    int kernelSize;
+    Kpr8u* buffer;
+};
+
+// The working memory is the ring, a strip for the row stage and the pointers to a window of rows. The sized buffer has
+// more rows than the ring, so that rows of a vector and more can be padded to whole vectors.
+template <int channels, typename T>
+struct Memory {
+    Ring<Middle<T>> ring;
+    T* strip;
+
+    explicit Memory(const Call<T>& call) {
+        constexpr Kpr64s lanes = kLanes<Middle<T>>;
+        const Kpr64s padded = (Kpr64s{channels} * (Kpr64s{call.roi.width} + call.kernelSize) + 7) & ~Kpr64s{7};
+        ring.stride = padded < lanes ? padded : (padded + lanes - 1) & ~(lanes - 1);
+        ring.first = alignedUp<Middle<T>>(call.buffer, 64);
+        auto* const behind = ring.first + call.kernelSize * ring.stride;
+        ring.window = alignedUp<const Middle<T>*>(behind, alignof(void*));
+        strip = reinterpret_cast<T*>(ring.window + call.kernelSize);
+    }
+};
+
+template <int channels, typename T, typename RowTaps, typename ColumnTaps>
+KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& columnTaps) {
+    constexpr auto atBorder = sizeof(T) == 1 ? Conversion::Truncate : Conversion::Nearest;
+    const Memory<channels, T> memory(call);
+    const int radius = call.kernelSize / 2;
+    const BorderedRow<T, channels> bordered = {columnsOf(call.roi.width, call.border), radius, radius, call.value,
+                                               memory.strip};
+    walkRing(
+        rowsOf(call.roi.height, call.border), radius, memory.ring,
+        [&](Kpr64s y, Middle<T>* out) {
+            bordered.filter(
+                call.src[y],
+                [&](const T* s, Kpr64s x, Kpr64s columns) {
+                    filterRow<Conversion::Nearest, channels>(rowTaps, s, out + x * channels, columns * channels);
+                },
+                [&](const T* s, Kpr64s x, Kpr64s columns) {
+                    filterRow<atBorder, channels>(rowTaps, s, out + x * channels, columns * channels);
+                });
+        },
+        [&](Middle<T>* out) { fillPixels<channels>(out, call.roi.width, call.value); },
+        [&](const Middle<T>* const* window, Kpr64s y) {
+            filterColumn(columnTaps, window, call.dst[y], Kpr64s{channels} * call.roi.width);
+        });
+    return kprStatusOk;
+}
+
+// A kernel of bytes folds when it is what the initialisation makes, symmetric with taps that add up to about 4096: the
+// rows then hold no more than about 255.
+bool foldsBytes(const Kpr16s* kernel, int kernelSize, int divisor) {
+    Kpr64s sum = 0;
+    for (int i = 0; i < kernelSize; ++i) {
+        if (kernel[i] < 0 || kernel[i] != kernel[kernelSize - 1 - i]) return false;
+        sum += kernel[i];
+    }
+    return divisor > 1 && 255 * sum < Kpr64s{16000} * divisor;
+}
+
+template <int channels, typename T>
+KprStatus smoothIntegers(const Call<T>& call, const Kpr16s* kernel, int divisor) {
+    return withSize(call.kernelSize, [&]<int size>() {
+        const auto filter = [&]<Known known>() {
+            return smooth<channels>(call, IntegerTaps<T, size, known>(kernel, call.kernelSize, divisor),
+                                    IntegerTaps<Middle<T>, size, known>(kernel, call.kernelSize, divisor));
+        };
+        // 16-bit blocks have a divisor of 32768.
+        if constexpr (sizeof(T) > 1) return filter.template operator()<Known{.folds = false, .shrinks = true}>();
+        if (foldsBytes(kernel, call.kernelSize, divisor))
+            return filter.template operator()<Known{.folds = true, .shrinks = true}>();
+        return filter.template operator()<Known{}>();
+    });
+}
+
+template <int channels, typename T>
+KprStatus smoothBlock(const T* src, int srcStep, T* dst, int dstStep, KprSize roi, const T* value,
+                      const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    const Kpr64s width = Kpr64s{channels} * roi.width;
+    KprStatus multiples = kprStatusOk;
+    if constexpr (sizeof(T) > 1) multiples = stepsAlign<T>(srcStep, dstStep);
+    const KprStatus status =
+        firstFailure(notNull(src, dst, buffer, spec), rowsFit<T>(width, srcStep, dstStep), roiHolds(roi), multiples)
+            ?: filterBorderHolds(spec->borderType);
+    if (status != kprStatusOk) return status;
+    const Call<T> call = {{src, srcStep}, {dst, dstStep}, roi, value, spec->borderType, spec->kernelSize, buffer};
+    if constexpr (std::is_same_v<T, Kpr32f>) {
+        if (!isGaussianSize(spec->kernelSize)) return kprStatusBadArg;
+        const auto* const kernel = kernelAt<Kpr32f>(spec, spec->kernelOffset, 16);
+        return withSize(spec->kernelSize, [&]<int size>() {
+            const FloatTaps<size> taps(kernel, spec->kernelSize, 8);  // each tap is stored eight times
+            return smooth<channels>(call, taps, taps);
+        });
+    } else {
+        // A block that integer forms cannot use leaves the image as it is, without an error.
+        const int divisor = spec->scaleBits >= 0 && spec->scaleBits < 32 ? static_cast<int>(1U << spec->scaleBits) : 0;
+        if (!isGaussianSize(spec->kernelSize) || divisor == 0) return kprStatusOk;
+        return smoothIntegers<channels>(call, kernelAt<Kpr16s>(spec, spec->kernelOffset, 16), divisor);
+    }
+}
+
+}  // namespace
+}  // namespace n0
+
+using namespace n0;
+
+KprStatus kpriFilterGaussianBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                                          Kpr8u borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothBlock<1>(src, srcStep, dst, dstStep, roiSize, &borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussianBorder_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                                          const Kpr8u* borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothBlock<3>(src, srcStep, dst, dstStep, roiSize, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussianBorder_16u_C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
+                                           Kpr16u borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothBlock<1>(src, srcStep, dst, dstStep, roiSize, &borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussianBorder_16u_C3R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
+                                           const Kpr16u* borderValue, const KprFilterGaussianSpec* spec,
+                                           Kpr8u* buffer) {
+    return smoothBlock<3>(src, srcStep, dst, dstStep, roiSize, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussianBorder_16s_C1R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
+                                           Kpr16s borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothBlock<1>(src, srcStep, dst, dstStep, roiSize, &borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussianBorder_16s_C3R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
+                                           const Kpr16s* borderValue, const KprFilterGaussianSpec* spec,
+                                           Kpr8u* buffer) {
+    return smoothBlock<3>(src, srcStep, dst, dstStep, roiSize, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussianBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
+                                           Kpr32f borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothBlock<1>(src, srcStep, dst, dstStep, roiSize, &borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussianBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
+                                           const Kpr32f* borderValue, const KprFilterGaussianSpec* spec,
+                                           Kpr8u* buffer) {
+    return smoothBlock<3>(src, srcStep, dst, dstStep, roiSize, borderValue, spec, buffer);
+}

@@ -1,0 +1,182 @@
+// The Gaussian filter with 64-bit sizes: half a kernel w of floats, the outermost tap first, and a ring of float rows.
+//
+// c is the pixel in the middle, s[d] the sum of the two at distance d, exact of integers. A row of pixels and a column
+// of ring rows are summed alike:
+//
+//     3 taps    fma(s[1], w[0], w[1] * c)
+//     5 taps    fma(c, w[2], fma(s[2], w[0], w[1] * s[1]))
+//     7 taps    fma(c, w[3], fma(s[1], w[2], fma(s[3], w[0], w[1] * s[2])))
+//     others    w[0] * s[r], then fused steps for s[r - 1] to s[1] and c, in this order
+//
+// Integers are rounded once, at the end, to nearest with ties to even, and saturated; but five taps of 16s keep the low
+// 16 bits of a 32-bit integer. A row of a constant border is that value itself.
+#include "filter/gaussian_block.h"
+#include "filter/ring.h"
+#include "filter/taps.h"
+
+namespace n0 {
+namespace {
+
+template <typename Src, int size>
+class HalfTaps {
+  public:
+    using Pixel = Src;
+    static constexpr int kStep = kLanes<Kpr32f>;
+
+    HalfTaps(const Kpr32f* half, int kernelSize) : half_(half), radius_(kernelSize / 2) {
+        if constexpr (size > 0) {
+            for (int i = 0; i <= size / 2; ++i) taps_[i] = broadcast(half[i]);
+        }
+    }
+
+    template <typename Dst, Conversion, typename Part, typename At>
+    KPR_INLINE void apply(Part part, At at, Dst* dst) const {
+        const Vec<Kpr32f> result = sum(part, at);
+        if constexpr (std::is_same_v<Dst, Kpr32f>)
+            store(dst, result, part);
+        else if constexpr (size == 5 && std::is_same_v<Dst, Kpr16s>)
+            storeLow(dst, toInteger(result), part);
+        else
+            storeAs(dst, toInteger(result), part);
+    }
+
+  private:
+    template <typename Part, typename At>
+    [[nodiscard]] KPR_INLINE Vec<Kpr32f> sum(Part part, At at) const {
+        const auto s = [&](int distance) __attribute__((always_inline)) {
+            if constexpr (std::is_same_v<Src, Kpr32f>)
+                return load(at(radius() - distance), part) + load(at(radius() + distance), part);
+            else
+                return toFloat(loadAs<Kpr32s>(at(radius() - distance), part) +
+                               loadAs<Kpr32s>(at(radius() + distance), part));
+        };
+        const auto c = [&] { return loadAs<Kpr32f>(at(radius()), part); };
+        if constexpr (size == 3) return fma(s(1), taps_[0], taps_[1] * c());
+        if constexpr (size == 5) return fma(c(), taps_[2], fma(s(2), taps_[0], taps_[1] * s(1)));
+        if constexpr (size == 7) return fma(c(), taps_[3], fma(s(1), taps_[2], fma(s(3), taps_[0], taps_[1] * s(2))));
+        if constexpr (size == 0) {
+            Vec<Kpr32f> acc = broadcast(half_[0]) * s(radius_);
+            for (int i = 1; i < radius_; ++i) acc = fma(s(radius_ - i), broadcast(half_[i]), acc);
+            return fma(c(), broadcast(half_[radius_]), acc);
+        }
+    }
+
+    [[nodiscard]] KPR_INLINE constexpr int radius() const { return size == 0 ? radius_ : size / 2; }
+
+    const Kpr32f* half_;
+    int radius_;
+    Vec<Kpr32f> taps_[size / 2 + 1];
+};
+
+template <typename T>
+struct Call {
+    Rows<const T> src;
+    Rows<T> dst;
+    KprSizeL roi;
+    KprBorderType border;
+    const T* value;
+    Kpr8u* buffer;
+};
+
+// Behind the ring lie the strip of the row stage and, for the column stage, in the same place the window's pointers.
+template <int channels, int size, typename T>
+KprStatus smooth(const Call<T>& call, const Kpr32f* half, int kernelSize) {
+    const Kpr64s width = channels * call.roi.width;
+    const Kpr64s stride = (width + 15) & ~Kpr64s{15};
+    auto* const first = alignedUp<Kpr32f>(call.buffer, 64);
+    auto* const behind = first + kernelSize * stride;
+    const int radius = kernelSize / 2;
+    const BorderedRow<T, channels> bordered = {columnsOf(call.roi.width, call.border), radius, radius, call.value,
+                                               reinterpret_cast<T*>(behind)};
+    const HalfTaps<T, size> rowTaps(half, kernelSize);
+    const HalfTaps<Kpr32f, size> columnTaps(half, kernelSize);
+    walkRing(
+        rowsOf(call.roi.height, call.border), radius,
+        Ring<Kpr32f>{first, stride, reinterpret_cast<const Kpr32f**>(behind)},
+        [&](Kpr64s y, Kpr32f* out) {
+            const auto filter = [&](const T* s, Kpr64s x, Kpr64s columns) {
+                filterRow<Conversion::Nearest, channels>(rowTaps, s, out + x * channels, columns * channels);
+            };
+            bordered.filter(call.src[y], filter, filter);
+        },
+        [&](Kpr32f* out) { fillPixels<channels>(out, call.roi.width, call.value); },
+        [&](const Kpr32f* const* window, Kpr64s y) { filterColumn(columnTaps, window, call.dst[y], width); });
+    return kprStatusOk;
+}
+
+// Each step holds a row of `pixels` pixels of `bytes` bytes, without a product that could wrap.
+template <typename... Step>
+constexpr KprStatus longRowsFit(Kpr64s pixels, Kpr64s bytes, Step... steps) {
+    return failIf((((steps / bytes - (steps % bytes < 0 ? 1 : 0)) < pixels) || ...), kprStatusBadStep);
+}
+
+template <int channels, typename T>
+KprStatus smoothLarge(const T* src, Kpr64s srcStep, T* dst, Kpr64s dstStep, KprSizeL roi, KprBorderType borderType,
+                      const T* value, const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    const KprBorderType border = largeWord(borderType);
+    KprStatus multiples = kprStatusOk;
+    if constexpr (sizeof(T) > 1) multiples = stepsAlign<T>(srcStep, dstStep);
+    const KprStatus status =
+        firstFailure(notNull(src, dst, buffer, spec), longRowsFit(roi.width, channels * sizeof(T), srcStep, dstStep),
+                     roiHolds(roi), multiples, failIf(border > 255, kprStatusBadBorder),
+                     failIf((border & kBaseMode) == kprBorderConstant && value == nullptr, kprStatusNullPtr),
+                     filterBorderHolds(border));
+    if (status != kprStatusOk) return status;
+    if (!isGaussianSize(spec->kernelSize)) return kprStatusBadArg;
+    const auto* const half = kernelAt<Kpr32f>(spec, kHeaderBytes, kLargeKernelAlignment);
+    const Call<T> call = {{src, srcStep}, {dst, dstStep}, roi, border, value, buffer};
+    return withSize(spec->kernelSize, [&]<int size>() { return smooth<channels, size>(call, half, spec->kernelSize); });
+}
+
+}  // namespace
+}  // namespace n0
+
+using namespace n0;
+
+KprStatus kpriFilterGaussian_8u_C1R_L(const Kpr8u* src, int64_t srcStep, Kpr8u* dst, int64_t dstStep, KprSizeL roiSize,
+                                      KprBorderType borderType, const Kpr8u* borderValue,
+                                      const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothLarge<1>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussian_8u_C3R_L(const Kpr8u* src, int64_t srcStep, Kpr8u* dst, int64_t dstStep, KprSizeL roiSize,
+                                      KprBorderType borderType, const Kpr8u* borderValue,
+                                      const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothLarge<3>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussian_16u_C1R_L(const Kpr16u* src, int64_t srcStep, Kpr16u* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr16u* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothLarge<1>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussian_16u_C3R_L(const Kpr16u* src, int64_t srcStep, Kpr16u* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr16u* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothLarge<3>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussian_16s_C1R_L(const Kpr16s* src, int64_t srcStep, Kpr16s* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr16s* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothLarge<1>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussian_16s_C3R_L(const Kpr16s* src, int64_t srcStep, Kpr16s* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr16s* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothLarge<3>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussian_32f_C1R_L(const Kpr32f* src, int64_t srcStep, Kpr32f* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr32f* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothLarge<1>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+}
+
+KprStatus kpriFilterGaussian_32f_C3R_L(const Kpr32f* src, int64_t srcStep, Kpr32f* dst, int64_t dstStep,
+                                       KprSizeL roiSize, KprBorderType borderType, const Kpr32f* borderValue,
+                                       const KprFilterGaussianSpec* spec, Kpr8u* buffer) {
+    return smoothLarge<3>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+}

@@ -1,0 +1,218 @@
+// Weighted sums of pixels: the kernel that the separable filters share. A row and a column differ only in where the
+// pixel under tap i lies, so that both are given as `at(i)`:
+//
+//     integers   the sum of tap[i] * at(i) in 32 bits that wrap, to float, times 1 / divisor, to the nearest integer
+//                (ties to even), saturated
+//     floats     tap[0] * at(0), then one fused step for each further tap, in order
+#pragma once
+
+#include <utility>
+
+#include "primitives/rows.h"
+
+namespace n0 {
+
+// Calls `body(i)` for i from 0 to `count - 1`: written out where `size` gives the count, a loop where it is 0.
+template <int size, typename Body>
+KPR_INLINE void repeat(int count, Body body) {
+    if constexpr (size == 0) {
+        for (int i = 0; i < count; ++i) body(i);
+    } else {
+        [&]<int... i>(std::integer_sequence<int, i...>) __attribute__((always_inline)) { (body(i), ...); }
+        (std::make_integer_sequence<int, size>{});
+    }
+}
+
+// Calls `run.template operator()<size>()` with the kernel sizes that have code of their own, and 0 for all others.
+template <typename Run>
+KPR_INLINE auto withSize(int kernelSize, Run run) {
+    switch (kernelSize) {
+        case 3:
+            return run.template operator()<3>();
+        case 5:
+            return run.template operator()<5>();
+        case 7:
+            return run.template operator()<7>();
+        default:
+            return run.template operator()<0>();
+    }
+}
+
+enum class Conversion { Nearest, Truncate };
+
+// Sums of 32 pixels: those of the lower and those of the upper halves of the blocks of eight.
+struct Sums {
+    Vec<Kpr32s> lower, upper;
+};
+
+// What a caller knows beforehand about integer taps and their divisor.
+struct Known {
+    bool folds = false;    // the taps are symmetric, and two pixels' sum fits in 16 bits: pairs are added first
+    bool shrinks = false;  // the divisor is 2 or more: no product leaves 32 bits
+};
+
+// Integer taps, two and two as `sumPairs` takes them; the last of an odd number stands beside a zero.
+template <typename Src, int size, Known known = Known{}>
+class IntegerTaps {
+  public:
+    using Pixel = Src;
+    static constexpr int kStep = kLanes<Kpr16s>;
+
+    IntegerTaps(const Kpr16s* kernel, int kernelSize, int divisor)
+        : kernel_(kernel), kernelSize_(kernelSize), inverse_(broadcast(1.0F / static_cast<float>(divisor))) {
+        if constexpr (size > 0) {
+            for (int i = 0; i < (terms() + 1) / 2; ++i) pairs_[i] = load(i);
+        }
+        // 16u is summed less 0x8000: sumPairs is signed. What that takes away is the same for all pixels.
+        unsigned less = 0;
+        for (int i = 0; i < kernelSize && std::is_same_v<Src, Kpr16u>; ++i)
+            less += 0x8000U * static_cast<unsigned>(kernel[i]);
+        start_ = broadcast(static_cast<Kpr32s>(less));
+    }
+
+    template <typename Dst, Conversion conversion, typename Part, typename At>
+    KPR_INLINE void apply(Part part, At at, Dst* dst) const {
+        const Sums sums = sum(part, at);
+        const Vec<Kpr32s> lower = scaled<conversion>(sums.lower);
+        const Vec<Kpr32s> upper = scaled<conversion>(sums.upper);
+        if constexpr (sizeof(Dst) == 1)
+            storeAs(dst, join<Kpr16s>(lower, upper), part);
+        else
+            store(dst, join<Dst>(lower, upper), part);
+    }
+
+  private:
+    // The pixels, or the sums of pixels, that are multiplied.
+    [[nodiscard]] KPR_INLINE constexpr int terms() const {
+        const int taps = size == 0 ? kernelSize_ : size;
+        return known.folds ? taps / 2 + 1 : taps;
+    }
+
+    template <typename Part, typename At>
+    [[nodiscard]] KPR_INLINE Sums sum(Part part, At at) const {
+        constexpr int kPairs = (known.folds ? size / 2 + 1 : size) / 2;
+        const auto term = [&](int i) __attribute__((always_inline)) {
+            const Vec<Kpr16s> pixel = words(at(i), part);
+            return known.folds && i < terms() - 1 ? pixel + words(at(2 * (terms() - 1) - i), part) : pixel;
+        };
+        Sums sums = {start_, start_};
+        repeat<kPairs>(
+            terms() / 2, [&](int i)
+                             __attribute__((always_inline)) { add(sums, term(2 * i), term(2 * i + 1), pair(i)); });
+        if (terms() % 2 != 0) add(sums, term(terms() - 1), zero<Kpr16s>(), pair(terms() / 2));
+        return sums;
+    }
+
+    KPR_INLINE static void add(Sums& sums, Vec<Kpr16s> a, Vec<Kpr16s> b, Vec<Kpr16s> pair) {
+        sums.lower = sums.lower + sumPairs(interleaveLower(a, b), pair);
+        sums.upper = sums.upper + sumPairs(interleaveUpper(a, b), pair);
+    }
+
+    template <typename Part>
+    KPR_INLINE static Vec<Kpr16s> words(const Src* src, Part part) {
+        if constexpr (std::is_same_v<Src, Kpr16u>)
+            return as<Kpr16s>(n0::load(src, part) ^ broadcast<Kpr16u>(0x8000));
+        else
+            return loadAs<Kpr16s>(src, part);
+    }
+
+    // A product may reach 2^31, by a divisor of -1 or a sum that is rounded up: it stays where it converts.
+    template <Conversion conversion>
+    [[nodiscard]] KPR_INLINE Vec<Kpr32s> scaled(Vec<Kpr32s> sum) const {
+        Vec<Kpr32f> value = toFloat(sum) * inverse_;
+        if constexpr (!known.shrinks) value = min(value, broadcast(65536.0F));
+        return conversion == Conversion::Nearest ? toInteger(value) : truncated(value);
+    }
+
+    [[nodiscard]] KPR_INLINE Vec<Kpr16s> pair(int i) const {
+        if constexpr (size > 0)
+            return pairs_[i];
+        else
+            return load(i);
+    }
+    [[nodiscard]] KPR_INLINE Vec<Kpr16s> load(Kpr64s i) const {
+        const unsigned low = static_cast<Kpr16u>(kernel_[2 * i]);
+        const unsigned high = 2 * i + 1 < terms() ? static_cast<Kpr16u>(kernel_[2 * i + 1]) : 0U;
+        return as<Kpr16s>(broadcast(static_cast<Kpr32s>(low | high << 16)));
+    }
+
+    const Kpr16s* kernel_;
+    int kernelSize_;
+    Vec<Kpr32f> inverse_;
+    Vec<Kpr32s> start_;
+    Vec<Kpr16s> pairs_[size == 0 ? 1 : (size + 1) / 2];
+};
+
+template <int size>
+class FloatTaps {
+  public:
+    using Pixel = Kpr32f;
+    static constexpr int kStep = kLanes<Kpr32f>;
+
+    // Taps may stand `spacing` elements apart.
+    FloatTaps(const Kpr32f* kernel, int kernelSize, Kpr64s spacing = 1)
+        : kernel_(kernel), kernelSize_(kernelSize), spacing_(spacing) {
+        if constexpr (size > 0) {
+            for (int i = 0; i < size; ++i) taps_[i] = broadcast(kernel[i * spacing]);
+        }
+    }
+
+    template <typename Dst, Conversion, typename Part, typename At>
+    KPR_INLINE void apply(Part part, At at, Dst* dst) const {
+        Vec<Kpr32f> sum = load(at(0), part) * tap(0);
+        repeat<size == 0 ? 0 : size - 1>(
+            kernelSize_ - 1, [&](int i)
+                                 __attribute__((always_inline)) { sum = fma(load(at(i + 1), part), tap(i + 1), sum); });
+        store(dst, sum, part);
+    }
+
+  private:
+    [[nodiscard]] KPR_INLINE Vec<Kpr32f> tap(int i) const {
+        if constexpr (size > 0)
+            return taps_[i];
+        else
+            return broadcast(kernel_[i * spacing_]);
+    }
+
+    const Kpr32f* kernel_;
+    int kernelSize_;
+    Kpr64s spacing_;
+    Vec<Kpr32f> taps_[size == 0 ? 1 : size];
+};
+
+template <typename Src, int size>
+KPR_INLINE auto tapsOf(const Kpr16s* kernel, int kernelSize, int divisor) {
+    return IntegerTaps<Src, size>(kernel, kernelSize, divisor);
+}
+template <typename Src, int size>
+KPR_INLINE auto tapsOf(const Kpr32f* kernel, int kernelSize, int) {
+    return FloatTaps<size>(kernel, kernelSize);
+}
+
+// dst[x] for `count` elements of a row whose tap i lies over src[x + i * spacing]. One copy serves all its callers:
+// what a call costs is nothing beside a row.
+template <Conversion conversion, int spacing, typename Taps, typename Dst>
+[[gnu::noinline]] void filterRow(const Taps& taps, const typename Taps::Pixel* src, Dst* dst, Kpr64s count) {
+    using Src = typename Taps::Pixel;
+    walkRow<Taps::kStep>(
+        count,
+        [taps](auto part, const Src* s, Dst* d) {  // a copy: what is not shared stays in registers
+            taps.template apply<Dst, conversion>(
+                part, [s](int i) { return s + i * spacing; }, d);
+        },
+        src, dst);
+}
+
+// dst[x] for `count` elements, tap i over rows[i][x].
+template <typename Taps, typename Dst>
+[[gnu::noinline]] void filterColumn(const Taps& taps, const typename Taps::Pixel* const* rows, Dst* dst, Kpr64s count) {
+    walkRow<Taps::kStep>(
+        count,
+        [taps, rows, dst](auto part, Dst* d) {
+            taps.template apply<Dst, Conversion::Nearest>(
+                part, [=](int i) { return rows[i] + (d - dst); }, d);
+        },
+        dst);
+}
+
+}  // namespace n0
