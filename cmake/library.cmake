@@ -6,6 +6,10 @@
 
 add_library(kprcv_objects OBJECT
     frame/version.cpp
+    morph/structure.cpp
+    morph/structuring.cpp
+    morph/structuring_large.cpp
+    morph/tap_walk.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
 )

@@ -18,6 +18,7 @@
 #define KPRCV_H
 
 #include <kprcv/frame.h>
+#include <kprcv/morph.h>
 #include <kprcv/stats.h>
 #include <kprcv/types.h>
 

@@ -30,8 +30,18 @@ KPR_INLINE void walkRow(Kpr64s width, Kernel kernel, T*... rows) {
     if (x < width) kernel(First{width - x}, (rows + x)...);
 }
 
-// The same over every row of a ROI, each image having one element a pixel. Images whose rows follow one another without
-// a gap are one long row: the result of a pixel does not depend on its column.
+// Runs `kernel.operator()<vectors>(part, x)` along one row, `group` vectors at a time as long as they are full, then
+// one by one: for kernels whose setting up for a stretch costs more than its vectors.
+template <int lanes, int group, typename Kernel>
+KPR_INLINE void walkStretches(Kpr64s width, Kernel kernel) {
+    Kpr64s x = 0;
+    for (; x + group * lanes <= width; x += group * lanes) kernel.template operator()<group>(All{}, x);
+    for (; x + lanes <= width; x += lanes) kernel.template operator()<1>(All{}, x);
+    if (x < width) kernel.template operator()<1>(First{width - x}, x);
+}
+
+// As walkRow over every row of a ROI, each image having one element a pixel. Images whose rows follow one another
+// without a gap are one long row: the result of a pixel does not depend on its column.
 template <int lanes, typename Size, typename Kernel, typename... T>
 KPR_INLINE KprStatus walkRoi(Size roi, Kernel kernel, Rows<T>... images) {
     Kpr64s width = roi.width;

@@ -81,6 +81,14 @@ KPR_INLINE Vec<T> load(const T* src, First part) {
     if constexpr (sizeof(T) == 8) return vec<T>(_mm512_maskz_loadu_epi64(static_cast<__mmask8>(part.bits), src));
 }
 
+// The lanes of `src` that are named, the others from `under`; touches no byte of other lanes.
+template <typename T>
+KPR_INLINE Vec<T> loadOver(Vec<T> under, const T* src, Mask<T> lanes) {
+    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_mask_loadu_epi8(bits(under), lanes, src));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_mask_loadu_epi16(bits(under), lanes, src));
+    if constexpr (sizeof(T) == 4) return vec<T>(_mm512_mask_loadu_epi32(bits(under), lanes, src));
+}
+
 template <typename T>
 KPR_INLINE void store(T* dst, Vec<T> v, All) {
     _mm512_storeu_si512(dst, bits(v));
@@ -156,6 +164,30 @@ KPR_INLINE Vec<T> max(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Kpr32s>) return vec<T>(_mm512_max_epi32(bits(a), bits(b)));
     if constexpr (std::is_same_v<T, Kpr32f>) return vec(_mm512_max_ps(ps(a), ps(b)));
     if constexpr (std::is_same_v<T, Kpr64f>) return vec(_mm512_max_pd(pd(a), pd(b)));
+}
+
+// The larger or the smaller value. Of floats a number counts before a NaN and +0 is larger than -0, so that the order
+// in which many are joined does not matter.
+template <typename T>
+KPR_INLINE Vec<T> larger(Vec<T> a, Vec<T> b) {
+    constexpr int maximum = 5;  // the greater of the two, its sign kept
+    if constexpr (std::is_same_v<T, Kpr32f>) return vec(_mm512_range_ps(ps(a), ps(b), maximum));
+    if constexpr (std::is_integral_v<T>) return max(a, b);
+}
+template <typename T>
+KPR_INLINE Vec<T> smaller(Vec<T> a, Vec<T> b) {
+    constexpr int minimum = 4;  // the lesser of the two, its sign kept
+    if constexpr (std::is_same_v<T, Kpr32f>) return vec(_mm512_range_ps(ps(a), ps(b), minimum));
+    if constexpr (std::is_integral_v<T>) return min(a, b);
+}
+
+// a - b, of integers the nearest value of T's range.
+template <typename T>
+KPR_INLINE Vec<T> subtract(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return vec<T>(_mm512_subs_epu8(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_subs_epu16(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, Kpr16s>) return vec<T>(_mm512_subs_epi16(bits(a), bits(b)));
+    if constexpr (std::is_floating_point_v<T>) return a - b;
 }
 
 // |a - b|: exact for unsigned integers, a difference rounded once and its sign cleared for floats.
