@@ -6,6 +6,7 @@
 
 add_library(kprcv_objects OBJECT
     frame/version.cpp
+    morph/reconstruct.cpp
     morph/structure.cpp
     morph/structuring.cpp
     morph/structuring_large.cpp

@@ -221,6 +221,15 @@ KPR_INLINE Mask<T> loadMask(const Kpr8u* src, Part part) {
     }
 }
 
+// Whether a > b in any lane; false where either is a NaN.
+template <typename T>
+KPR_INLINE bool anyGreater(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return _mm512_cmpgt_epu8_mask(bits(a), bits(b)) != 0;
+    if constexpr (std::is_same_v<T, Kpr16u>) return _mm512_cmpgt_epu16_mask(bits(a), bits(b)) != 0;
+    if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_GT_OQ) != 0;
+    if constexpr (std::is_same_v<T, Kpr64f>) return _mm512_cmp_pd_mask(pd(a), pd(b), _CMP_GT_OQ) != 0;
+}
+
 // v where the mask is set, zero elsewhere.
 template <typename T>
 KPR_INLINE Vec<T> keep(Mask<T> mask, Vec<T> v) {

@@ -99,4 +99,33 @@ struct Stage {
     }
 };
 
+// Reconstruction by dilation, or by erosion: the rule pixel by pixel until nothing changes. Both images are width x
+// height without gaps; no NaN.
+template <typename T>
+void reconstruct(bool dilation, bool diagonals, KprSize size, const std::vector<T>& limit, std::vector<T>& marker) {
+    const auto further = [&](T a, T b) { return dilation ? a > b : a < b; };
+    for (std::size_t i = 0; i < marker.size(); ++i) {
+        if (further(marker[i], limit[i])) marker[i] = limit[i];
+    }
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (int i = 0; i < size.width * size.height; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            const int x = i % size.width, y = i / size.width;
+            T value = marker[at];
+            for (int dy = -1; dy <= 1; ++dy) {
+                for (int dx = -1; dx <= 1; ++dx) {
+                    const bool inside = x + dx >= 0 && x + dx < size.width && y + dy >= 0 && y + dy < size.height;
+                    if (!inside || (dx != 0 && dy != 0 && !diagonals)) continue;
+                    const T neighbour = marker[static_cast<std::size_t>(i + dy * size.width + dx)];
+                    if (further(neighbour, value)) value = neighbour;
+                }
+            }
+            if (further(value, limit[at])) value = limit[at];
+            changed |= value != marker[at];
+            marker[at] = value;
+        }
+    }
+}
+
 }  // namespace reference
