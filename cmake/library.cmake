@@ -6,6 +6,8 @@
 
 add_library(kprcv_objects OBJECT
     frame/version.cpp
+    morph/compound.cpp
+    morph/compound_large.cpp
     morph/reconstruct.cpp
     morph/structure.cpp
     morph/structuring.cpp

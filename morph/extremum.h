@@ -80,7 +80,7 @@ Job<T> jobOf(const Call<T>& call, Taps taps) {
                   {},
                   {reinterpret_cast<char*>(call.buffer), static_cast<Kpr64s>(workHeld(e, sizeof(T), call.channels))}};
     const bool own = job.border.base == kprBorderConstant && call.value != nullptr;
-    for (int c = 0; c < call.channels; ++c) job.fill[c] = own ? call.value[c] : Rule::kWeakest;
+    for (int c = 0; c < 4; ++c) job.fill[c] = own && c < call.channels ? call.value[c] : Rule::kWeakest;
     if (job.border.base == kprBorderDefault) job.border.base = kprBorderConstant;
     return job;
 }

@@ -5,15 +5,6 @@
 namespace n0 {
 namespace {
 
-// Blocks are taken at any address; the slack in their sizes pays for aligning the header.
-template <typename Extent, typename Memory>
-auto* header(Memory* spec) {
-    using Block = std::conditional_t<std::is_const_v<Memory>, const MorphState<Extent>, MorphState<Extent>>;
-    using Byte = std::conditional_t<std::is_const_v<Memory>, const char, char>;
-    const uintptr_t past = reinterpret_cast<uintptr_t>(spec) % alignof(Block);
-    return reinterpret_cast<Block*>(static_cast<Byte*>(spec) + (past == 0 ? 0 : alignof(Block) - past));
-}
-
 // The lists say 16-bit columns; a wider mask has none.
 Kpr16u* listTaps(Kpr16u* lists, Taps taps) {
     if (taps.width > 0xffff) return nullptr;
@@ -32,7 +23,7 @@ Kpr16u* listTaps(Kpr16u* lists, Taps taps) {
 
 template <typename Extent>
 void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Turn turn) {
-    MorphState<Extent>& state = *header<Extent>(spec);
+    MorphState<Extent>& state = *alignedBlock<MorphState<Extent>>(spec);
     auto* kept = reinterpret_cast<Kpr8u*>(&state + 1);
     const Taps taps{kept, width | 1, height | 1};
     const Kpr64s total = taps.width * taps.height;
@@ -55,7 +46,7 @@ void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Turn 
 
 template <typename Extent>
 Taps tapsOf(const void* spec) {
-    const MorphState<Extent>& state = *header<Extent>(spec);
+    const MorphState<Extent>& state = *alignedBlock<MorphState<Extent>>(spec);
     return {state.maskData, state.paddedWidth, state.paddedHeight};
 }
 

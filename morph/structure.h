@@ -4,6 +4,8 @@
 // given, at the end when it is turned by 180 degrees. The anchor is the centre of what is kept.
 #pragma once
 
+#include <type_traits>
+
 #include "frame/checks.h"
 
 namespace n0 {
@@ -42,6 +44,16 @@ struct MorphState {
     Kpr32s anchorX, anchorY;
     Kpr16u* tapOffsets;  // for each row of the mask, the count of its taps and their columns; null if not kept
 };
+
+// The header at the start of a state block. Blocks are taken at any address; the slack in their sizes pays for aligning
+// it.
+template <typename Block, typename Memory>
+auto* alignedBlock(Memory* spec) {
+    using Byte = std::conditional_t<std::is_const_v<Memory>, const char, char>;
+    using Result = std::conditional_t<std::is_const_v<Memory>, const Block, Block>;
+    const uintptr_t past = reinterpret_cast<uintptr_t>(spec) % alignof(Block);
+    return reinterpret_cast<Result*>(reinterpret_cast<Byte*>(spec) + (past == 0 ? 0 : alignof(Block) - past));
+}
 
 // Which way round a mask is kept.
 enum class Turn { AsGiven, Reflected };
@@ -92,9 +104,14 @@ constexpr KprStatus borderKnown(KprBorderType word) {
     return failIf(word > 4095 || !known, kprStatusBadBorder);
 }
 
-// Sizes of the large interface: a ROI beyond 0x7fffffff.
+// Sizes of the large interface, which end at 0x7fffffff too.
 constexpr KprStatus roiNotBeyond(Kpr64s width, Kpr64s height) {
     return failIf(width > 0x7fffffff || height > 0x7fffffff, kprStatusSizeOverflow);
+}
+
+constexpr KprStatus largeSizesHold(Extents e) {
+    return firstFailure(roiHolds(KprSizeL{e.width, e.height}), roiHolds(KprSizeL{e.maskWidth, e.maskHeight}),
+                        roiNotBeyond(e.width, e.height), roiNotBeyond(e.maskWidth, e.maskHeight));
 }
 
 constexpr KprStatus typeServed(KprDataType type) {

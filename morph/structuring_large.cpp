@@ -4,22 +4,17 @@
 namespace n0 {
 namespace {
 
-KprStatus sizesHold(Extents e) {
-    return firstFailure(roiHolds(KprSizeL{e.width, e.height}), roiHolds(KprSizeL{e.maskWidth, e.maskHeight}),
-                        roiNotBeyond(e.width, e.height));
-}
-
 KprStatus getSpecSize(Extents e, Kpr64s* specSize) {
-    return firstFailure(notNull(specSize), sizesHold(e)) ?: putSize(stateSizeLarge(e), specSize);
+    return firstFailure(notNull(specSize), largeSizesHold(e)) ?: putSize(stateSizeLarge(e), specSize);
 }
 
 KprStatus getBufferSize(Extents e, KprDataType dataType, int numChannels, Kpr64s* bufferSize) {
-    return firstFailure(notNull(bufferSize), sizesHold(e), typeServed(dataType), channelsServed(numChannels))
+    return firstFailure(notNull(bufferSize), largeSizesHold(e), typeServed(dataType), channelsServed(numChannels))
                ?: putSize(workSize(e, elementSizeOf(dataType), numChannels), bufferSize);
 }
 
 KprStatus init(Extents e, const Kpr8u* mask, KprMorphState* spec) {
-    const KprStatus status = firstFailure(notNull(mask, spec), sizesHold(e));
+    const KprStatus status = firstFailure(notNull(mask, spec), largeSizesHold(e));
     if (status == kprStatusOk) fillState<Kpr64s>(spec, mask, e.maskWidth, e.maskHeight, Turn::AsGiven);
     return status;
 }
