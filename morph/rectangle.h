@@ -230,7 +230,7 @@ void largeRectangle(const Job<T>& job, Window w, Rows<const T> other) {
             if (!job.border.left) pattern.write(line, left);
             if (!job.border.right) pattern.write(line + left + body, right);
             if (job.border.base == kprBorderConstant && (y + i - w.top < rows.begin || y + i + w.bottom >= rows.end)) {
-                const Kpr64s whole = kLanes<T> / channels * channels;
+                const Kpr64s whole = kLanes<T> - kLanes<T> % channels;
                 for (Kpr64s x = 0; x < length; x += whole) {
                     const First part{std::min(whole, length - x)};
                     store(line + x, Rule::join(load(line + x, part), pattern.from(0)), part);

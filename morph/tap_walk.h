@@ -62,7 +62,7 @@ class TapWalk {
                     listLoads(taps_, window_, span_, job_.channels, 0, list_);
                     resolve(y, TapList::kMost);
                 }
-                for (int i = 0; i < vectors; ++i) v[i] = load(at_[0] + x + i * kLanes<T>, part);
+                for (int i = 0; i < vectors; ++i) v[i] = load(at_[0] + x + i * Kpr64s{kLanes<T>}, part);
                 join<vectors>(v, x, 1, std::min(total, TapList::kMost), part);
                 for (Kpr64s done = TapList::kMost; done < total; done += TapList::kMost) {
                     const Kpr64s count = std::min(total - done, TapList::kMost);
@@ -71,7 +71,7 @@ class TapWalk {
                     join<vectors>(v, x, 0, count, part);
                 }
                 for (int i = 0; i < vectors; ++i) {
-                    const Kpr64s at = x + i * kLanes<T>;
+                    const Kpr64s at = x + i * Kpr64s{kLanes<T>};
                     Put::put(dst + at, other + at, v[i], part);
                 }
             });
@@ -93,7 +93,7 @@ class TapWalk {
     KPR_INLINE void join(Vec<T>* v, Kpr64s x, Kpr64s from, Kpr64s to, auto part) {
         for (Kpr64s k = from; k < to; ++k) {
             const T* tap = at_[k] + x;
-            for (int i = 0; i < vectors; ++i) v[i] = Rule::join(v[i], load(tap + i * kLanes<T>, part));
+            for (int i = 0; i < vectors; ++i) v[i] = Rule::join(v[i], load(tap + i * Kpr64s{kLanes<T>}, part));
         }
     }
 

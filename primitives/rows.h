@@ -34,8 +34,9 @@ KPR_INLINE void walkRow(Kpr64s width, Kernel kernel, T*... rows) {
 // one by one: for kernels whose setting up for a stretch costs more than its vectors.
 template <int lanes, int group, typename Kernel>
 KPR_INLINE void walkStretches(Kpr64s width, Kernel kernel) {
+    constexpr Kpr64s stretch = Kpr64s{group} * lanes;
     Kpr64s x = 0;
-    for (; x + group * lanes <= width; x += group * lanes) kernel.template operator()<group>(All{}, x);
+    for (; x + stretch <= width; x += stretch) kernel.template operator()<group>(All{}, x);
     for (; x + lanes <= width; x += lanes) kernel.template operator()<1>(All{}, x);
     if (x < width) kernel.template operator()<1>(First{width - x}, x);
 }
