@@ -60,13 +60,10 @@ std::vector<T> expectedOf(Operation operation, const reference::StructuringEleme
                                     value,        between, [&](int x, int y) { return at(x - left, y - top); }};
     std::vector<T> middle;
     eachPixel(between, [&](int x, int y) { middle.push_back(first(x, y)); });
-    const reference::Stage<T> second{!dilatesFirst,
-                                     turned,
-                                     word,
-                                     value,
-                                     size,
-                                     [&](int x, int y) {
-                                         return middle.at(static_cast<std::size_t>((y + top) * between.width + x + left)); }};
+    const auto middleAt = [&](int x, int y) {
+        return middle.at(static_cast<std::size_t>((y + top) * between.width + x + left));
+    };
+    const reference::Stage<T> second{!dilatesFirst, turned, word, value, size, middleAt};
     eachPixel(size, [&](int x, int y) {
         const T v = second(x, y);
         if (operation == Operation::TopHat) return result.push_back(notBelowZero(difference(at(x, y), v)));
