@@ -14,6 +14,13 @@ add_library(kprcv_objects OBJECT
     filter/gaussian_large.cpp
     filter/row_pipeline.cpp
     filter/sobel.cpp
+    morph/compound.cpp
+    morph/compound_large.cpp
+    morph/reconstruct.cpp
+    morph/structure.cpp
+    morph/structuring.cpp
+    morph/structuring_large.cpp
+    morph/tap_walk.cpp
     primitives/arithmetic.cpp
     primitives/border.cpp
     primitives/copy.cpp

@@ -121,7 +121,7 @@ class IntegerTaps {
     [[nodiscard]] KPR_INLINE Vec<Kpr32s> scaled(Vec<Kpr32s> sum) const {
         Vec<Kpr32f> value = toFloat(sum) * inverse_;
         if constexpr (!known.shrinks) value = min(value, broadcast(65536.0F));
-        return conversion == Conversion::Nearest ? toInteger(value) : truncated(value);
+        return conversion == Conversion::Nearest ? toInteger(value) : truncate(value);
     }
 
     [[nodiscard]] KPR_INLINE Vec<Kpr16s> pair(int i) const {

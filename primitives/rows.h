@@ -88,6 +88,17 @@ KPR_INLINE Kpr64s searchRow(Kpr64s width, Test test, T*... rows) {
     return -1;
 }
 
+// Runs `kernel.operator()<vectors>(part, x)` along one row, `group` vectors at a time as long as they are full, then
+// one by one: for kernels whose setting up for a stretch costs more than its vectors.
+template <int lanes, int group, typename Kernel>
+KPR_INLINE void walkStretches(Kpr64s width, Kernel kernel) {
+    constexpr Kpr64s stretch = Kpr64s{group} * lanes;
+    Kpr64s x = 0;
+    for (; x + stretch <= width; x += stretch) kernel.template operator()<group>(All{}, x);
+    for (; x + lanes <= width; x += lanes) kernel.template operator()<1>(All{}, x);
+    if (x < width) kernel.template operator()<1>(First{width - x}, x);
+}
+
 // Runs `walk(width, pointers...)` for every row of a ROI, each image having one element a pixel. Images whose rows
 // follow one another without a gap are one long row: the result of a pixel does not depend on its column.
 template <typename Size, typename Walk, typename... T>

@@ -304,6 +304,30 @@ KPR_INLINE Vec<T> max(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Kpr64f>) return vec(_mm512_max_pd(pd(a), pd(b)));
 }
 
+// The larger or the smaller value. Of floats a number counts before a NaN and +0 is larger than -0, so that the order
+// in which many are joined does not matter.
+template <typename T>
+KPR_INLINE Vec<T> larger(Vec<T> a, Vec<T> b) {
+    constexpr int maximum = 5;  // the greater of the two, its sign kept
+    if constexpr (std::is_same_v<T, Kpr32f>) return vec(_mm512_range_ps(ps(a), ps(b), maximum));
+    if constexpr (std::is_integral_v<T>) return max(a, b);
+}
+template <typename T>
+KPR_INLINE Vec<T> smaller(Vec<T> a, Vec<T> b) {
+    constexpr int minimum = 4;  // the lesser of the two, its sign kept
+    if constexpr (std::is_same_v<T, Kpr32f>) return vec(_mm512_range_ps(ps(a), ps(b), minimum));
+    if constexpr (std::is_integral_v<T>) return min(a, b);
+}
+
+// a - b, of integers the nearest value of T's range.
+template <typename T>
+KPR_INLINE Vec<T> subtract(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return vec<T>(_mm512_subs_epu8(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_subs_epu16(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, Kpr16s>) return vec<T>(_mm512_subs_epi16(bits(a), bits(b)));
+    if constexpr (std::is_floating_point_v<T>) return a - b;
+}
+
 // |a - b|: exact for unsigned integers, a difference rounded once and its sign cleared for floats.
 template <typename T>
 KPR_INLINE Vec<T> absDiff(Vec<T> a, Vec<T> b) {
@@ -356,15 +380,13 @@ KPR_INLINE Vec<Kpr32f> abs(Vec<Kpr32f> v) { return vec(_mm512_abs_ps(ps(v))); }
 KPR_INLINE Vec<Kpr32f> toFloat(Vec<unsigned> v) { return vec(_mm512_cvtepu32_ps(bits(v))); }
 KPR_INLINE Vec<Kpr32f> toFloat(Vec<Kpr32s> v) { return vec(_mm512_cvtepi32_ps(bits(v))); }
 KPR_INLINE Vec<Kpr32s> toInteger(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvtps_epi32(ps(v))); }
-KPR_INLINE Vec<Kpr32s> truncated(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvttps_epi32(ps(v))); }  // toward zero
+KPR_INLINE Vec<Kpr32s> truncate(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvttps_epi32(ps(v))); }  // toward zero
 
 // v * 2^exponent, rounded once; an exponent may be any integer.
 KPR_INLINE Vec<Kpr32f> timesPowerOf2(Vec<Kpr32f> v, Vec<Kpr32f> exponent) {
     return vec(_mm512_scalef_ps(ps(v), ps(exponent)));
 }
 
-// To the integer next to it on the side of zero.
-KPR_INLINE Vec<Kpr32s> truncate(Vec<Kpr32f> v) { return vec<Kpr32s>(_mm512_cvttps_epi32(ps(v))); }
 
 // The lanes of a vector, widened, in an order of their own that `narrow` undoes.
 struct Widened {
@@ -462,6 +484,15 @@ KPR_INLINE Mask<T> loadMask(const Kpr8u* src, Part part) {
         else
             return static_cast<Mask<T>>(_mm_test_epi8_mask(v, v));
     }
+}
+
+// Whether a > b in any lane; false where either is a NaN.
+template <typename T>
+KPR_INLINE bool anyGreater(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return _mm512_cmpgt_epu8_mask(bits(a), bits(b)) != 0;
+    if constexpr (std::is_same_v<T, Kpr16u>) return _mm512_cmpgt_epu16_mask(bits(a), bits(b)) != 0;
+    if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_GT_OQ) != 0;
+    if constexpr (std::is_same_v<T, Kpr64f>) return _mm512_cmp_pd_mask(pd(a), pd(b), _CMP_GT_OQ) != 0;
 }
 
 // v where the mask is set, zero elsewhere.

@@ -1,0 +1,158 @@
+// What the plans of dilation and erosion share: the images of a call and what lies around them, the way in which values
+// are joined, the way in which results are stored, and the carving of the work buffer.
+#pragma once
+
+#include <algorithm>
+#include <limits>
+
+#include "morph/structure.h"
+#include "primitives/rows.h"
+
+namespace n0 {
+
+// Memory of a call's own.
+struct Workspace {
+    char* first;
+    Kpr64s bytes;
+};
+
+// A border word, taken apart.
+struct Border {
+    KprBorderType base;
+    bool top, bottom, left, right;  // sides on which the pixels outside are memory
+
+    explicit Border(KprBorderType word)
+        : base(word & 15),
+          top((word & kprBorderInMemTop) != 0),
+          bottom((word & kprBorderInMemBottom) != 0),
+          left((word & kprBorderInMemLeft) != 0),
+          right((word & kprBorderInMemRight) != 0) {}
+};
+
+// The index that stands for index i of n, where `before` and `after` say which sides are memory. Reflection goes on
+// until it meets the image or memory.
+KPR_INLINE Kpr64s mirrored(Kpr64s i, Kpr64s n, bool before, bool after) {
+    if (n == 1 && !before && !after) return 0;
+    while ((i < 0 && !before) || (i >= n && !after)) i = i < 0 ? -i : 2 * n - 2 - i;
+    return i;
+}
+
+// The same by the base mode, which is not that of a constant.
+KPR_INLINE Kpr64s mapped(KprBorderType base, Kpr64s i, Kpr64s n, bool before, bool after) {
+    if ((i >= 0 || before) && (i < n || after)) return i;
+    return base == kprBorderMirror ? mirrored(i, n, before, after) : std::clamp(i, Kpr64s{0}, n - 1);
+}
+
+template <typename T>
+struct Job {
+    Rows<const T> src;
+    Rows<T> dst;
+    Kpr64s width, height;  // pixels
+    int channels;
+    Border border;
+    T fill[4];  // of the constant border, one element a channel
+    Workspace work;
+
+    [[nodiscard]] bool inPlace() const { return src.first == dst.first; }
+};
+
+// How values are joined, and the value that never wins.
+template <typename T>
+struct Dilation {
+    using Element = T;
+    static constexpr T kWeakest = std::numeric_limits<T>::lowest();
+    KPR_INLINE static Vec<T> join(Vec<T> a, Vec<T> b) { return larger(a, b); }
+};
+
+template <typename T>
+struct Erosion {
+    using Element = T;
+    static constexpr T kWeakest = std::numeric_limits<T>::max();
+    KPR_INLINE static Vec<T> join(Vec<T> a, Vec<T> b) { return smaller(a, b); }
+};
+
+// A value that disappears when it is joined to any other.
+template <typename Rule, typename T = typename Rule::Element>
+constexpr T neutral() {
+    return std::is_floating_point_v<T> ? std::numeric_limits<T>::quiet_NaN() : Rule::kWeakest;
+}
+
+template <typename T>
+KPR_INLINE Vec<T> notNegative(Vec<T> v) {
+    if constexpr (std::is_unsigned_v<T>) return v;
+    return max(zero<T>(), v);
+}
+
+// How a result v becomes a pixel: as it is, or in a difference with another image's pixel. Negative differences, which
+// only borders can bring, are cut to zero where the rule says so.
+struct Plain {
+    template <typename T>
+    KPR_INLINE static void put(T* dst, const T*, Vec<T> v, auto part) {
+        store(dst, v, part);
+    }
+};
+
+struct FromOther {  // max(other - v, 0)
+    template <typename T>
+    KPR_INLINE static void put(T* dst, const T* other, Vec<T> v, auto part) {
+        store(dst, notNegative(subtract(load(other, part), v)), part);
+    }
+};
+
+struct LessOther {  // max(v - other, 0)
+    template <typename T>
+    KPR_INLINE static void put(T* dst, const T* other, Vec<T> v, auto part) {
+        store(dst, notNegative(subtract(v, load(other, part))), part);
+    }
+};
+
+struct LessOtherSigned {  // v - other
+    template <typename T>
+    KPR_INLINE static void put(T* dst, const T* other, Vec<T> v, auto part) {
+        store(dst, subtract(v, load(other, part)), part);
+    }
+};
+
+// Lines of `length` elements in a workspace. Where there is room for it, element `lead` of each lies at a multiple of
+// 64 bytes.
+template <typename T>
+struct Lines {
+    T* first;
+    Kpr64s stride;
+
+    Lines(Workspace work, Kpr64s count, Kpr64s length, Kpr64s lead)
+        : first(reinterpret_cast<T*>(upTo(work.first, sizeof(T)))), stride(length) {
+        constexpr Kpr64s lanes = kLanes<T>;
+        const Kpr64s even = (length + lanes - 1) / lanes * lanes;
+        if (count * even * Kpr64s{sizeof(T)} + 126 > work.bytes) return;
+        first = reinterpret_cast<T*>(upTo(reinterpret_cast<char*>(first + lead), 64)) - lead;
+        stride = even;
+    }
+    KPR_INLINE T* operator[](Kpr64s i) const { return first + i * stride; }
+
+    static char* upTo(char* p, uintptr_t multiple) {
+        const auto address = reinterpret_cast<uintptr_t>(p);
+        return p + (((address + multiple - 1) & ~(multiple - 1)) - address);
+    }
+};
+
+// One value a channel, repeated over `count` elements; also as vectors that begin at any channel.
+template <typename T>
+class Pattern {
+  public:
+    Pattern(const T* values, int channels) : channels_(channels) {
+        for (int i = 0; i < kLanes<T> + 4; ++i) elements_[i] = values[i % channels];
+    }
+    [[nodiscard]] KPR_INLINE Vec<T> from(Kpr64s element) const { return load(elements_ + element % channels_, All{}); }
+
+    void write(T* dst, Kpr64s count) const {
+        const Kpr64s step = kLanes<T> - kLanes<T> % channels_;
+        for (Kpr64s i = 0; i < count; i += step) store(dst + i, from(0), First{std::min(step, count - i)});
+    }
+
+  private:
+    T elements_[kLanes<T> + 4];
+    int channels_;
+};
+
+}  // namespace n0

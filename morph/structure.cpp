@@ -1,0 +1,125 @@
+#include "morph/structure.h"
+
+#include <algorithm>
+
+namespace n0 {
+namespace {
+
+// The lists say 16-bit columns; a wider mask has none.
+Kpr16u* listTaps(Kpr16u* lists, Taps taps) {
+    if (taps.width > 0xffff) return nullptr;
+    Kpr16u* end = lists;
+    for (Kpr64s y = 0; y < taps.height; ++y) {
+        Kpr16u* count = end++;
+        for (Kpr64s x = 0; x < taps.width; ++x) {
+            if (taps.at(x, y)) *end++ = static_cast<Kpr16u>(x);
+        }
+        *count = static_cast<Kpr16u>(end - count - 1);
+    }
+    return lists;
+}
+
+}  // namespace
+
+template <typename Extent>
+void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orientation turn) {
+    MorphState<Extent>& state = *alignedBlock<MorphState<Extent>>(spec);
+    auto* kept = reinterpret_cast<Kpr8u*>(&state + 1);
+    const Taps taps{kept, width | 1, height | 1};
+    const Kpr64s total = taps.width * taps.height;
+    // The zeros come in front; turning the whole by 180 degrees brings them to the end.
+    const Kpr64s padX = taps.width - width, padY = taps.height - height;
+    for (Kpr64s y = 0; y < taps.height; ++y) {
+        for (Kpr64s x = 0; x < taps.width; ++x) {
+            const bool set = x >= padX && y >= padY && mask[(y - padY) * width + x - padX] != 0;
+            const Kpr64s i = y * taps.width + x;
+            kept[turn == Orientation::AsGiven ? i : total - 1 - i] = set ? 255 : 0;
+        }
+    }
+    state.maskData = kept;
+    state.paddedWidth = static_cast<Extent>(taps.width);
+    state.paddedHeight = static_cast<Extent>(taps.height);
+    state.anchorX = static_cast<Kpr32s>(width >> 1);
+    state.anchorY = static_cast<Kpr32s>(height >> 1);
+    state.tapOffsets = listTaps(reinterpret_cast<Kpr16u*>(kept + total + (total & 1)), taps);
+}
+
+template <typename Extent>
+Taps tapsOf(const void* spec) {
+    const MorphState<Extent>& state = *alignedBlock<MorphState<Extent>>(spec);
+    return {state.maskData, state.paddedWidth, state.paddedHeight};
+}
+
+template void fillState<Kpr32s>(void*, const Kpr8u*, Kpr64s, Kpr64s, Orientation);
+template void fillState<Kpr64s>(void*, const Kpr8u*, Kpr64s, Kpr64s, Orientation);
+template Taps tapsOf<Kpr32s>(const void*);
+template Taps tapsOf<Kpr64s>(const void*);
+
+Feature featureOf(Taps taps) {
+    Kpr64s left = taps.width, right = -1, top = taps.height, bottom = -1, count = 0;
+    for (Kpr64s y = 0; y < taps.height; ++y) {
+        for (Kpr64s x = 0; x < taps.width; ++x) {
+            if (!taps.at(x, y)) continue;
+            left = std::min(left, x);
+            right = std::max(right, x);
+            top = std::min(top, y);
+            bottom = y;
+            ++count;
+        }
+    }
+    const bool single = taps.width == 1 && taps.height == 1;
+    if (count == 0 || single) return {Feature::Copy, {}};
+    const Kpr64s x = taps.reachX(), y = taps.reachY();
+    const bool holdsPixel = left <= x && x <= right && top <= y && y <= bottom;
+    const bool full = count == (right - left + 1) * (bottom - top + 1);
+    const Window window = {std::max(x - left, Kpr64s{0}), std::max(right - x, Kpr64s{0}), std::max(y - top, Kpr64s{0}),
+                           std::max(bottom - y, Kpr64s{0})};
+    return {full && holdsPixel ? Feature::Rectangle : Feature::Walk, window};
+}
+
+Bytes stateSize(Extents e) {
+    const Bytes w = e.paddedWidth(), h = e.paddedHeight();
+    return h * ((w + 1) * 2 + w) + 104;
+}
+
+Bytes stateSizeLarge(Extents e) {
+    const Bytes w = e.paddedWidth(), h = e.paddedHeight();
+    const Bytes bytes = (w * 3 + 2) * h + 128;
+    const Bytes bits = roundUp(Bytes{e.maskWidth} * e.maskHeight, 16) * 3 + 112;
+    return bytes + bits + 16;
+}
+
+namespace {
+
+// The ring of rows.
+Bytes ringSize(Extents e, int elementSize, int channels) {
+    const Bytes row = Bytes{e.width} * channels * elementSize;
+    const Bytes mask = Bytes{e.paddedWidth()} * channels * elementSize;
+    return roundUp(row, 32) * e.paddedHeight() + roundUp(mask, 32) + Bytes{16} * elementSize;
+}
+
+}  // namespace
+
+Bytes workSize(Extents e, int elementSize, int channels) {
+    const Bytes w = e.paddedWidth(), h = e.paddedHeight();
+    const Bytes anchorX = e.maskWidth >> 1, anchorY = e.maskHeight >> 1;
+    const Bytes wide = w + e.width - 1, tall = h + e.height - 1;
+    Bytes pixels = 0;
+    if (w >= e.width || h >= e.height) {
+        pixels = wide * tall;
+    } else {
+        if (h - anchorY - 1 > 0) pixels = wide * (2 * h - anchorY - 2);
+        if (w - anchorX - 1 > 0) pixels = std::max(pixels, tall * (2 * w - anchorX - 2));
+    }
+    return roundUp(pixels * elementSize * channels, 32) + ringSize(e, elementSize, channels) + 64;
+}
+
+Bytes workHeld(Extents e, int elementSize, int channels) {
+    const Bytes w = e.paddedWidth(), h = e.paddedHeight();
+    const Bytes wide = w + e.width - 1, tall = h + e.height - 1;
+    const Bytes sides = tall * (3 * (w - 1) >> 1);  // when sized for an image larger than the mask
+    const Bytes strips = h > 1 ? std::max(wide * (3 * (h - 1) >> 1), sides) : sides;
+    return std::min(wide * tall, strips) * elementSize * channels + ringSize(e, elementSize, channels) + 64;
+}
+
+}  // namespace n0

@@ -1,0 +1,131 @@
+// Structuring elements: the state block made from a mask, and what the sizing calls say of it and of the work buffer.
+//
+// A mask is kept with odd sides. An even side gets one more column or row of zeros: in front when the mask is kept as
+// given, at the end when it is turned by 180 degrees. The anchor is the centre of what is kept.
+#pragma once
+
+#include <type_traits>
+
+#include "frame/checks.h"
+
+namespace n0 {
+
+// The kept mask, 0 or 255 a tap.
+struct Taps {
+    const Kpr8u* mask;
+    Kpr64s width;
+    Kpr64s height;
+
+    [[nodiscard]] Kpr64s reachX() const { return width >> 1; }
+    [[nodiscard]] Kpr64s reachY() const { return height >> 1; }
+    [[nodiscard]] bool at(Kpr64s x, Kpr64s y) const { return mask[y * width + x] != 0; }
+};
+
+// Columns -left to right and rows -top to bottom around a pixel.
+struct Window {
+    Kpr64s left, right, top, bottom;
+
+    [[nodiscard]] Kpr64s columns() const { return left + right + 1; }
+    [[nodiscard]] Kpr64s rows() const { return top + bottom + 1; }
+};
+
+// What a mask asks for.
+struct Feature {
+    enum Plan { Copy, Rectangle, Walk } plan;
+    Window window;  // the smallest that holds the pixel and all taps
+};
+Feature featureOf(Taps taps);
+
+// The state block as it lies in the caller's memory; Extent is 32-bit, and 64-bit in large forms.
+template <typename Extent>
+struct MorphState {
+    Kpr8u* maskData;
+    Extent paddedWidth, paddedHeight;
+    Kpr32s anchorX, anchorY;
+    Kpr16u* tapOffsets;  // for each row of the mask, the count of its taps and their columns; null if not kept
+};
+
+// The header at the start of a state block. Blocks are taken at any address; the slack in their sizes pays for aligning
+// it.
+template <typename Block, typename Memory>
+auto* alignedBlock(Memory* spec) {
+    using Byte = std::conditional_t<std::is_const_v<Memory>, const char, char>;
+    using Result = std::conditional_t<std::is_const_v<Memory>, const Block, Block>;
+    const uintptr_t past = reinterpret_cast<uintptr_t>(spec) % alignof(Block);
+    return reinterpret_cast<Result*>(reinterpret_cast<Byte*>(spec) + (past == 0 ? 0 : alignof(Block) - past));
+}
+
+// Which way round a mask is kept.
+enum class Orientation { AsGiven, Reflected };
+
+// Fills a block from a mask of width x height bytes.
+template <typename Extent>
+void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orientation turn);
+template <typename Extent>
+Taps tapsOf(const void* spec);
+
+// ---- sizes in bytes. They are formed in 128 bits, where no sizes that pass the checks can wrap.
+
+__extension__ typedef __int128 Bytes;
+
+struct Extents {
+    Kpr64s width, height, maskWidth, maskHeight;
+
+    [[nodiscard]] Kpr64s paddedWidth() const { return maskWidth | 1; }
+    [[nodiscard]] Kpr64s paddedHeight() const { return maskHeight | 1; }
+};
+
+// To a multiple that is a power of two: a division in 128 bits would be a call.
+constexpr Bytes roundUp(Bytes size, int multiple) { return (size + multiple - 1) & ~Bytes{multiple - 1}; }
+
+Bytes stateSize(Extents e);       // 32-bit interface
+Bytes stateSizeLarge(Extents e);  // large interface: of one byte block and one 1-bit block
+Bytes workSize(Extents e, int elementSize, int channels);
+
+// The bytes that a buffer of `workSize` has at least, whatever larger image it was sized for: the size itself falls
+// when the image grows past the mask.
+Bytes workHeld(Extents e, int elementSize, int channels);
+
+// Stores a size if the caller's integer holds it.
+template <typename Integer>
+KprStatus putSize(Bytes size, Integer* out) {
+    constexpr Bytes limit = sizeof(Integer) == 4 ? Bytes{0x7fffffff} : Bytes{0x7fffffffffffffff};
+    if (size > limit) return kprStatusSizeOverflow;
+    *out = static_cast<Integer>(size);
+    return kprStatusOk;
+}
+
+// ---- checks
+
+constexpr KprStatus borderKnown(KprBorderType word) {
+    const KprBorderType base = word & 15;
+    const bool known = word == kprBorderInMem || base == kprBorderReplicate || base == kprBorderMirror ||
+                       base == kprBorderDefault || base == kprBorderConstant;
+    return failIf(word > 4095 || !known, kprStatusBadBorder);
+}
+
+// Sizes of the large interface, which end at 0x7fffffff too.
+constexpr KprStatus roiNotBeyond(Kpr64s width, Kpr64s height) {
+    return failIf(width > 0x7fffffff || height > 0x7fffffff, kprStatusSizeOverflow);
+}
+
+constexpr KprStatus largeSizesHold(Extents e) {
+    return firstFailure(roiHolds(KprSizeL{e.width, e.height}), roiHolds(KprSizeL{e.maskWidth, e.maskHeight}),
+                        roiNotBeyond(e.width, e.height), roiNotBeyond(e.maskWidth, e.maskHeight));
+}
+
+constexpr KprStatus typeServed(KprDataType type) {
+    return failIf(type != kpr1u && type != kpr8u && type != kpr16u && type != kpr16s && type != kpr32f,
+                  kprStatusBadDataType);
+}
+
+constexpr KprStatus channelsServed(int channels) {
+    return failIf(channels != 1 && channels != 3 && channels != 4, kprStatusBadChannelCount);
+}
+
+constexpr int elementSizeOf(KprDataType type) {
+    if (type == kpr32f) return 4;
+    return type == kpr16u || type == kpr16s ? 2 : 1;
+}
+
+}  // namespace n0

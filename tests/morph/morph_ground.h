@@ -1,0 +1,78 @@
+// What the tests of morphology share: random structuring elements and border words, images with the memory around them
+// that a border word promises and no more, and buffers of exactly the sizes told.
+#pragma once
+
+#include "tests/reference/morph.h"
+#include "tests/support/guarded_image.h"
+#include "tests/support/ladder.h"
+
+namespace test {
+
+inline reference::StructuringElement randomElement(Random& random) {
+    static const KprSize sizes[] = {{1, 1}, {2, 1}, {1, 2}, {3, 3},   {3, 1},  {1, 3},  {2, 2},  {5, 5},   {4, 3},
+                                    {7, 5}, {9, 2}, {6, 9}, {13, 13}, {3, 17}, {31, 1}, {1, 12}, {21, 21}, {40, 3}};
+    const KprSize size = sizes[random.range(0, std::size(sizes) - 1)];
+    reference::StructuringElement element{size.width, size.height, {}};
+    enum Kind { Full, Half, Sparse, Disc, EmptyEdge, Empty };
+    const int kind = random.oneIn(2) ? Full : random.range(Half, random.oneIn(4) ? Empty : EmptyEdge);
+    for (int y = 0; y < size.height; ++y) {
+        for (int x = 0; x < size.width; ++x) {
+            const double u = (x + 0.5) / size.width * 2 - 1, v = (y + 0.5) / size.height * 2 - 1;
+            const bool set = kind == Full || (kind == Half && random.oneIn(2)) || (kind == Sparse && random.oneIn(8)) ||
+                             (kind == Disc && u * u + v * v <= 1) ||
+                             (kind == EmptyEdge && x + 1 < size.width && y + 1 < size.height);
+            element.bytes.push_back(set ? static_cast<Kpr8u>(random.range(1, 255)) : Kpr8u{0});
+        }
+    }
+    return element;
+}
+
+inline KprBorderType randomBorder(Random& random) {
+    if (random.oneIn(8)) return kprBorderInMem;
+    static const KprBorderType bases[] = {kprBorderReplicate, kprBorderMirror, kprBorderDefault, kprBorderConstant};
+    KprBorderType word = bases[random.range(0, 3)];
+    if (!random.oneIn(3)) word |= static_cast<KprBorderType>(random.range(0, 15) << 4);
+    return word;
+}
+
+// An image and, on the sides that the word says are memory, `reach` times the element's reach.
+template <typename T>
+class ImageInMemory {
+  public:
+    ImageInMemory(KprSize size, KprBorderType word, const reference::StructuringElement& element, int channels,
+                  Random& random, int reach = 1)
+        : left_((word & kprBorderInMemLeft) != 0 ? reach * element.reachX() : 0),
+          top_((word & kprBorderInMemTop) != 0 ? reach * element.reachY() : 0),
+          image_({left_ + size.width + ((word & kprBorderInMemRight) != 0 ? reach * element.reachX() : 0),
+                  top_ + size.height + ((word & kprBorderInMemBottom) != 0 ? reach * element.reachY() : 0)},
+                 random, channels) {
+        image_.fill(random, true);
+    }
+
+    T* data() { return &image_.at(left_, top_); }
+    int step() const { return image_.step(); }
+    T& at(int x, int y, int c) { return image_.at(left_ + x, top_ + y, c); }
+    std::vector<char> snapshot() const { return image_.snapshot(); }
+
+  private:
+    int left_, top_;
+    GuardedImage<T> image_;
+};
+
+// A ROI as large as `size` or somewhat larger, for sizing.
+inline KprSize sizedFor(KprSize size, Random& random) {
+    if (random.oneIn(2)) return size;
+    return {size.width + random.range(0, 40), size.height + random.range(0, 20)};
+}
+
+// A border value as the 32-bit forms take it: one element by value, more by a pointer.
+template <int channels, typename T>
+auto borderValue(const T* values) {
+    if constexpr (channels == 1) {
+        return *values;
+    } else {
+        return values;
+    }
+}
+
+}  // namespace test
