@@ -112,7 +112,8 @@ void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Sr
             Middle filtered[Rule::kPlanes * lanes];
             for (Src& pixel : constants) pixel = value;
             filterAcross<Rule>(constants + radius, filtered, lanes, lanes);
-            for (int i = 0; i < Rule::kPlanes; ++i) fillPixels<1>(out + i * plane, columns.size, filtered + i * lanes);
+            for (int i = 0; i < Rule::kPlanes; ++i)
+                fillPixels<1>(out + i * plane, columns.size, filtered + Kpr64s{i} * lanes);
         },
         [&](const Middle* const* from, Kpr64s y) { filterDown<Rule>(from, plane, dst[y], columns.size); });
 }
