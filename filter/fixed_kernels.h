@@ -108,12 +108,12 @@ void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Sr
             bordered.filter(src[y], filter, filter);
         },
         [&](Middle* out) {  // a row of the constant is filtered like any other
-            Src constants[lanes + 2 * radius];
+            Src constants[lanes + radius + radius];
             Middle filtered[Rule::kPlanes * lanes];
             for (Src& pixel : constants) pixel = value;
             filterAcross<Rule>(constants + radius, filtered, lanes, lanes);
             for (int i = 0; i < Rule::kPlanes; ++i)
-                fillPixels<1>(out + i * plane, columns.size, filtered + Kpr64s{i} * lanes);
+                fillPixels<1>(out + Kpr64s{i} * plane, columns.size, filtered + Kpr64s{i} * lanes);
         },
         [&](const Middle* const* from, Kpr64s y) { filterDown<Rule>(from, plane, dst[y], columns.size); });
 }

@@ -387,7 +387,6 @@ KPR_INLINE Vec<Kpr32f> timesPowerOf2(Vec<Kpr32f> v, Vec<Kpr32f> exponent) {
     return vec(_mm512_scalef_ps(ps(v), ps(exponent)));
 }
 
-
 // The lanes of a vector, widened, in an order of their own that `narrow` undoes.
 struct Widened {
     Vec<Kpr32s> some;
