@@ -1,4 +1,4 @@
-// The specification block of the two Gaussian filters, and where its kernel lies.
+// The prepared block of the two Gaussian filters, and where its kernel lies.
 #pragma once
 
 #include "filter/border_rule.h"
