@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "frame/checks.h"
+#include "primitives/border.h"
 #include "primitives/simd.h"
 
 namespace n0 {
@@ -14,17 +14,6 @@ template <typename T>
 T* alignedUp(void* memory, std::uintptr_t alignment) {
     return reinterpret_cast<T*>(static_cast<char*>(memory) +
                                 (-reinterpret_cast<std::uintptr_t>(memory) & (alignment - 1)));
-}
-
-inline constexpr KprBorderType kBaseMode = 15;
-
-// Filters take the word 240, or one of three base modes with any flags.
-constexpr bool isFilterMode(KprBorderType word) {
-    const KprBorderType mode = word & kBaseMode;
-    return mode == kprBorderConstant || mode == kprBorderReplicate || mode == kprBorderMirror;
-}
-constexpr KprStatus filterBorderHolds(KprBorderType word) {
-    return failIf(word > 255 || (word != kprBorderInMem && !isFilterMode(word)), kprStatusBadBorder);
 }
 
 // Where along one axis a pixel is read from: its index, or kConstant for the border value.

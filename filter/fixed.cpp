@@ -124,7 +124,7 @@ KprStatus filterMask(const Src* src, int srcStep, Dst* dst, int dstStep, KprSize
     if constexpr (sizeof(Dst) > 1) multiples = firstFailure(multiples, stepsAlign<Dst>(dstStep));
     const KprStatus status =
         firstFailure(notNull(src, dst, buffer), roiHolds(roi), rowsFit<Src>(roi.width, srcStep),
-                     rowsFit<Dst>(roi.width, dstStep), multiples, filterBorderHolds(border), maskHolds(mask));
+                     rowsFit<Dst>(roi.width, dstStep), multiples, borderServesFilter(border), maskHolds(mask));
     if (status != kprStatusOk) return status;
     const auto filter = [&]<typename Rule>() {
         filterFixed<Rule>(columnsOf(roi.width, border), rowsOf(roi.height, border), Rows<const Src>{src, srcStep},

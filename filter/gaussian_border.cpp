@@ -102,7 +102,7 @@ KprStatus smoothBlock(const T* src, int srcStep, T* dst, int dstStep, KprSize ro
     if constexpr (sizeof(T) > 1) multiples = stepsAlign<T>(srcStep, dstStep);
     const KprStatus status =
         firstFailure(notNull(src, dst, buffer, spec), rowsFit<T>(width, srcStep, dstStep), roiHolds(roi), multiples)
-            ?: filterBorderHolds(spec->borderType);
+            ?: borderServesFilter(spec->borderType);
     if (status != kprStatusOk) return status;
     const Call<T> call = {{src, srcStep}, {dst, dstStep}, roi, value, spec->borderType, spec->kernelSize, buffer};
     if constexpr (std::is_same_v<T, Kpr32f>) {

@@ -104,7 +104,7 @@ KprStatus kpriFilterGaussianInit(KprSize roiSize, uint32_t kernelSize, KprBorder
                                  int numChannels, KprFilterGaussianSpec* spec, Kpr8u* buffer, Kpr32f sigma) {
     const KprStatus status = firstFailure(
         notNull(spec, buffer), roiHolds(roiSize), kernelSizeHolds(isGaussianSize(kernelSize)), typeHolds(dataType),
-        channelsHold(numChannels), failIf(!(sigma > 0.0F), kprStatusBadArg), filterBorderHolds(borderType));
+        channelsHold(numChannels), failIf(!(sigma > 0.0F), kprStatusBadArg), borderServesFilter(borderType));
     if (status != kprStatusOk) return status;
     spec->kernelSize = static_cast<int>(kernelSize);
     spec->kernelOffset = kHeaderBytes;
@@ -143,7 +143,7 @@ KprStatus kpriFilterGaussianInit_L(KprSizeL roiSize, int kernelSize, KprBorderTy
                                    int numChannels, KprFilterGaussianSpec* spec, Kpr8u* buffer, Kpr32f sigma) {
     const KprStatus status = firstFailure(
         notNull(spec, buffer), roiHolds(roiSize), kernelSizeHolds(isGaussianSize(kernelSize)), typeHolds(dataType),
-        channelsHold(numChannels), failIf(sigma <= 0.0F, kprStatusBadArg), filterBorderHolds(largeWord(borderType)));
+        channelsHold(numChannels), failIf(sigma <= 0.0F, kprStatusBadArg), borderServesFilter(largeWord(borderType)));
     if (status != kprStatusOk) return status;
     *spec = {kernelSize, kLargeKernelAlignment, dataType, borderType, 0};
     makeLargeKernel(spec, kernelSize, sigma);

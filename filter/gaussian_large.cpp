@@ -120,7 +120,7 @@ KprStatus smoothLarge(const T* src, Kpr64s srcStep, T* dst, Kpr64s dstStep, KprS
         firstFailure(notNull(src, dst, buffer, spec), longRowsFit(roi.width, channels * sizeof(T), srcStep, dstStep),
                      roiHolds(roi), multiples, failIf(border > 255, kprStatusBadBorder),
                      failIf((border & kBaseMode) == kprBorderConstant && value == nullptr, kprStatusNullPtr),
-                     filterBorderHolds(border));
+                     borderServesFilter(border));
     if (status != kprStatusOk) return status;
     if (!isGaussianSize(spec->kernelSize)) return kprStatusBadArg;
     const auto* const half = kernelAt<Kpr32f>(spec, kHeaderBytes, kLargeKernelAlignment);

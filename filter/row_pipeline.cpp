@@ -67,7 +67,7 @@ KprStatus rowStage(const RowCall<Src, Dst, Tap>& call) {
                ?: firstFailure(failIf(call.kernelSize < 1, kprStatusBadSize),
                                failIf(call.xAnchor < 0 || call.xAnchor >= call.kernelSize, kprStatusBadAnchor),
                                rowsFit<Src>(Kpr64s{channels} * call.roi.width, call.srcStep), multiple,
-                               filterBorderHolds(call.border), failIf(call.divisor == 0, kprStatusBadArg))
+                               borderServesFilter(call.border), failIf(call.divisor == 0, kprStatusBadArg))
                ?: filterRows<channels>(call);
 }
 

@@ -40,7 +40,7 @@ KprStatus derive(const Src* src, int srcStep, Dst* dst, int dstStep, KprSize roi
     const KprStatus status =
         firstFailure(notNull(src, dst, buffer), roiHolds(roi), stepsAlign<Dst>(dstStep),
                      failIf(mask != kprMaskSize3x3 && !(hasFive && mask == kprMaskSize5x5), kprStatusBadMaskSize),
-                     filterBorderHolds(border));
+                     borderServesFilter(border));
     if (status != kprStatusOk) return status;
     const auto filter = [&]<typename Kernels>() {
         const Axis columns = columnsOf(roi.width, border);

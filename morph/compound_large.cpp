@@ -36,7 +36,7 @@ KprStatus compoundHolds(const Call<T>& c, const void* spec) {
     return firstFailure(notNull(c.src, c.dst, spec, c.buffer), valueGiven(c), roiHolds(KprSizeL{c.width, c.height}),
                         roiNotBeyond(c.width, c.height))
                ?: firstFailure(rowsFit<T>(c.width * c.channels, c.srcStep, c.dstStep), elementsAlign(c),
-                               borderKnown(c.border),
+                               borderServesMorphology(c.border),
                                failIf(c.width == kBeyond || c.height == kBeyond, kprStatusSizeOverflow));
 }
 

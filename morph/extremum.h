@@ -3,6 +3,7 @@
 
 #include "morph/rectangle.h"
 #include "morph/tap_walk.h"
+#include "primitives/border.h"
 
 namespace n0 {
 
@@ -52,7 +53,7 @@ KprStatus callHolds(InPlace inPlace, const Call<T>& c, const void* spec) {
     return firstFailure(notNull(c.src, c.dst, spec, c.buffer),
                         failIf(inPlace == InPlace::Refused && c.src == c.dst, kprStatusInPlaceUnsupported),
                         roiHolds(KprSizeL{c.width, c.height}), rowsFit<T>(c.width * c.channels, c.srcStep, c.dstStep),
-                        elementsAlign<T>(c), borderKnown(c.border), valueGiven(c));
+                        elementsAlign<T>(c), borderServesMorphology(c.border), valueGiven(c));
 }
 
 template <typename T>
@@ -62,7 +63,7 @@ KprStatus largeCallHolds(InPlace inPlace, const Call<T>& c, const void* spec) {
                         failIf(inPlace == InPlace::Refused && c.src == c.dst, kprStatusInPlaceUnsupported),
                         roiHolds(KprSizeL{c.width, c.height}), roiNotBeyond(c.width, c.height))
                ?: firstFailure(rowsFit<T>(c.width * c.channels, c.srcStep, c.dstStep), elementsAlign<T>(c),
-                               borderKnown(c.border),
+                               borderServesMorphology(c.border),
                                failIf(c.width == kBeyond || c.height == kBeyond, kprStatusBadSize),
                                failIf(c.srcStep >= kBeyond || c.dstStep >= kBeyond, kprStatusBadStep), valueGiven(c));
 }

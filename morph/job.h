@@ -95,21 +95,21 @@ struct Plain {
 struct FromOther {  // max(other - v, 0)
     template <typename T>
     KPR_INLINE static void put(T* dst, const T* other, Vec<T> v, auto part) {
-        store(dst, notNegative(subtract(load(other, part), v)), part);
+        store(dst, notNegative(subtractSaturated(load(other, part), v)), part);
     }
 };
 
 struct LessOther {  // max(v - other, 0)
     template <typename T>
     KPR_INLINE static void put(T* dst, const T* other, Vec<T> v, auto part) {
-        store(dst, notNegative(subtract(v, load(other, part))), part);
+        store(dst, notNegative(subtractSaturated(v, load(other, part))), part);
     }
 };
 
 struct LessOtherSigned {  // v - other
     template <typename T>
     KPR_INLINE static void put(T* dst, const T* other, Vec<T> v, auto part) {
-        store(dst, subtract(v, load(other, part)), part);
+        store(dst, subtractSaturated(v, load(other, part)), part);
     }
 };
 

@@ -97,13 +97,6 @@ KprStatus putSize(Bytes size, Integer* out) {
 
 // ---- checks
 
-constexpr KprStatus borderKnown(KprBorderType word) {
-    const KprBorderType base = word & 15;
-    const bool known = word == kprBorderInMem || base == kprBorderReplicate || base == kprBorderMirror ||
-                       base == kprBorderDefault || base == kprBorderConstant;
-    return failIf(word > 4095 || !known, kprStatusBadBorder);
-}
-
 // Sizes of the large interface, which end at 0x7fffffff too.
 constexpr KprStatus roiNotBeyond(Kpr64s width, Kpr64s height) {
     return failIf(width > 0x7fffffff || height > 0x7fffffff, kprStatusSizeOverflow);

@@ -244,12 +244,13 @@ KPR_INLINE Vec<T> operator|(Vec<T> a, Vec<T> b) {
     return vec<T>(_mm512_or_si512(bits(a), bits(b)));
 }
 
-// The nearest value of T's range to a - b.
+// a - b, of integers the nearest value of T's range.
 template <typename T>
 KPR_INLINE Vec<T> subtractSaturated(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Kpr8u>) return vec<T>(_mm512_subs_epu8(bits(a), bits(b)));
     if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_subs_epu16(bits(a), bits(b)));
     if constexpr (std::is_same_v<T, Kpr16s>) return vec<T>(_mm512_subs_epi16(bits(a), bits(b)));
+    if constexpr (std::is_floating_point_v<T>) return a - b;
 }
 
 // Integer lanes of up to 4 bytes moved by 0 to 31 bits, which may be all they have; those of a signed type keep their
@@ -317,15 +318,6 @@ KPR_INLINE Vec<T> smaller(Vec<T> a, Vec<T> b) {
     constexpr int minimum = 4;  // the lesser of the two, its sign kept
     if constexpr (std::is_same_v<T, Kpr32f>) return vec(_mm512_range_ps(ps(a), ps(b), minimum));
     if constexpr (std::is_integral_v<T>) return min(a, b);
-}
-
-// a - b, of integers the nearest value of T's range.
-template <typename T>
-KPR_INLINE Vec<T> subtract(Vec<T> a, Vec<T> b) {
-    if constexpr (std::is_same_v<T, Kpr8u>) return vec<T>(_mm512_subs_epu8(bits(a), bits(b)));
-    if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_subs_epu16(bits(a), bits(b)));
-    if constexpr (std::is_same_v<T, Kpr16s>) return vec<T>(_mm512_subs_epi16(bits(a), bits(b)));
-    if constexpr (std::is_floating_point_v<T>) return a - b;
 }
 
 // |a - b|: exact for unsigned integers, a difference rounded once and its sign cleared for floats.
