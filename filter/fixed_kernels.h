@@ -96,16 +96,13 @@ void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Sr
     using Middle = typename Rule::Middle;
     constexpr int radius = Rule::kRadius;
     constexpr Kpr64s lanes = kLanes<Middle>;
-    Src strip[3 * radius];
-    const Middle* window[2 * radius + 1];
-    const BorderedRow<Src, 1> bordered = {columns, radius, radius, &value, strip};
+    EdgedRows<Src, 1, lanes> edged(src, endOf(rows, radius), columns, radius, radius, &value, nullptr);
     walkRing(
-        rows, radius, Ring<Middle>{ring, Rule::kPlanes * plane, window},
+        rows, radius, Ring<Middle>{ring, Rule::kPlanes * plane, nullptr},
         [&](Kpr64s y, Middle* out) {
-            const auto filter = [&](const Src* s, Kpr64s x, Kpr64s count) {
+            edged.filter(y, [&](const Src* s, Kpr64s x, Kpr64s count) {
                 filterAcross<Rule>(s + radius, out + x, plane, count);
-            };
-            bordered.filter(src[y], filter, filter);
+            });
         },
         [&](Middle* out) {  // a row of the constant is filtered like any other
             Src constants[lanes + radius + radius];

@@ -47,13 +47,15 @@ KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& 
     constexpr auto atBorder = sizeof(T) == 1 ? Conversion::Truncate : Conversion::Nearest;
     const Memory<channels, T> memory(call);
     const int radius = call.kernelSize / 2;
-    const BorderedRow<T, channels> bordered = {columnsOf(call.roi.width, call.border), radius, radius, call.value,
-                                               memory.strip};
+    const Axis rows = rowsOf(call.roi.height, call.border);
+    constexpr int lanes = sizeof(T) == 1 ? 1 : kLanes<T>;  // bytes are truncated in just the columns at the border
+    EdgedRows<T, channels, lanes> edged(call.src, endOf(rows, radius), columnsOf(call.roi.width, call.border), radius,
+                                        radius, call.value, memory.strip);
     walkRing(
-        rowsOf(call.roi.height, call.border), radius, memory.ring,
+        rows, radius, memory.ring,
         [&](Kpr64s y, Middle<T>* out) {
-            bordered.filter(
-                call.src[y],
+            edged.filter(
+                y,
                 [&](const T* s, Kpr64s x, Kpr64s columns) {
                     filterRow<Conversion::Nearest, channels>(rowTaps, s, out + x * channels, columns * channels);
                 },

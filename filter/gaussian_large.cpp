@@ -86,18 +86,17 @@ KprStatus smooth(const Call<T>& call, const Kpr32f* half, int kernelSize) {
     auto* const first = alignedUp<Kpr32f>(call.buffer, 64);
     auto* const behind = first + kernelSize * stride;
     const int radius = kernelSize / 2;
-    const BorderedRow<T, channels> bordered = {columnsOf(call.roi.width, call.border), radius, radius, call.value,
-                                               reinterpret_cast<T*>(behind)};
+    const Axis rows = rowsOf(call.roi.height, call.border);
+    EdgedRows<T, channels, kLanes<Kpr32f>> edged(call.src, endOf(rows, radius), columnsOf(call.roi.width, call.border),
+                                                 radius, radius, call.value, reinterpret_cast<T*>(behind));
     const HalfTaps<T, size> rowTaps(half, kernelSize);
     const HalfTaps<Kpr32f, size> columnTaps(half, kernelSize);
     walkRing(
-        rowsOf(call.roi.height, call.border), radius,
-        Ring<Kpr32f>{first, stride, reinterpret_cast<const Kpr32f**>(behind)},
+        rows, radius, Ring<Kpr32f>{first, stride, reinterpret_cast<const Kpr32f**>(behind)},
         [&](Kpr64s y, Kpr32f* out) {
-            const auto filter = [&](const T* s, Kpr64s x, Kpr64s columns) {
+            edged.filter(y, [&](const T* s, Kpr64s x, Kpr64s columns) {
                 filterRow<Conversion::Nearest, channels>(rowTaps, s, out + x * channels, columns * channels);
-            };
-            bordered.filter(call.src[y], filter, filter);
+            });
         },
         [&](Kpr32f* out) { fillPixels<channels>(out, call.roi.width, call.value); },
         [&](const Kpr32f* const* window, Kpr64s y) { filterColumn(columnTaps, window, call.dst[y], width); });

@@ -10,8 +10,11 @@ template <typename T>
 struct Ring {
     T* first;
     Kpr64s stride;     // elements from row to row
-    const T** window;  // room for a pointer to each row
+    const T** window;  // of a tall kernel: room for a pointer to each row, free to use for others between rows
 };
+
+// Kernels of up to half as many rows keep their window on the stack.
+inline constexpr int kOwnPointers = 128;
 
 // For every row y of the ROI: `across(row, out)` once for each row that exists and is reached, then
 // `down(window, y)` with the filtered rows y - radius to y + radius. Rows that do not exist are those that the border
@@ -23,25 +26,42 @@ struct Ring {
 template <typename T, typename Across, typename Constant, typename Down>
 void walkRing(Axis rows, int radius, Ring<T> ring, Across across, Constant constant, Down down) {
     const int size = 2 * radius + 1;
-    const auto prepare = [&](Kpr64s row, Kpr64s slot) {
-        T* const out = ring.first + slot * ring.stride;
+    // Where the window that begins with row `first` in slot `top` has its row i.
+    const auto find = [&](Kpr64s first, int top, int i) {
+        const Kpr64s row = first + i, from = rows(row);
+        const Kpr64s slot = top + (from != kConstant ? from : row < 0 ? -1 : rows.size) - first;
+        return ring.first + (slot < size ? slot : slot - size) * ring.stride;
+    };
+    const auto enter = [&](Kpr64s first, int top, int i) {
+        const Kpr64s row = first + i;
+        T* const out = find(first, top, i);
         if (rows.isReal(row))
             across(row, out);
         else if (rows.mode == kprBorderConstant && (row == -1 || row == rows.size))
             constant(out);
+        return out;
     };
-    for (int i = 0; i < 2 * radius; ++i) prepare(i - radius, i);
-    int top = 0;  // the slot of the window's first row
+    const T* own[kOwnPointers];  // the window moves on in here by a row at a time, and now and then back to the start
+    const bool moves = size <= kOwnPointers / 2;
+    for (int i = 0; i < 2 * radius; ++i) {
+        const T* const row = enter(-radius, 0, i);
+        if (moves) own[i] = row;
+    }
+    int top = 0, begin = 0;
     for (Kpr64s y = 0; y < rows.size; ++y) {
-        const int last = top == 0 ? size - 1 : top - 1;
-        prepare(y + radius, last);
-        for (int i = 0; i < size; ++i) {
-            const Kpr64s row = y - radius + i;
-            const Kpr64s from = rows(row);
-            const Kpr64s slot = top + radius - y + (from != kConstant ? from : row < 0 ? -1 : rows.size);
-            ring.window[i] = ring.first + (slot < size ? slot : slot - size) * ring.stride;
+        const Kpr64s first = y - radius;
+        const T* const newest = enter(first, top, size - 1);
+        if (moves) {
+            own[begin + size - 1] = newest;
+            down(own + begin, y);
+            if (++begin + size > kOwnPointers) {
+                for (int i = 0; i < size - 1; ++i) own[i] = own[begin + i];
+                begin = 0;
+            }
+        } else {
+            for (int i = 0; i < size; ++i) ring.window[i] = find(first, top, i);
+            down(ring.window, y);
         }
-        down(ring.window, y);
         top = top + 1 == size ? 0 : top + 1;
     }
 }
