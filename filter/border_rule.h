@@ -59,8 +59,9 @@ constexpr Axis rowsOf(Kpr64s height, KprBorderType word) {
 template <typename T, int channels, int lanes>
 class EdgedRows {
   public:
-    // Rows up to `end` exist. `value` has one element a channel and is read only where the axis asks for it; `strip` has
-    // room for before + after pixels and as many as the border touches on either side, and serves where kernels are long.
+    // Rows up to `end` exist. `value` has one element a channel and is read only where the axis asks for it; `strip`
+    // has room for before + after pixels and as many as the border touches on either side, and serves where kernels are
+    // long.
     EdgedRows(Rows<const T> src, Kpr64s end, Axis axis, int before, int after, const T* value, T* strip)
         : src_(src), end_(end), axis_(axis), before_(before), after_(after), value_(value), strip_(strip) {
         left_ = axis.lowInMemory ? 0 : std::min((before + Kpr64s{lanes - 1}) & -Kpr64s{lanes}, axis.size);
@@ -125,9 +126,8 @@ class EdgedRows {
         const Kpr64s begin = axis_.lowInMemory ? first : std::max<Kpr64s>(first, 0);
         const Kpr64s end = axis_.highInMemory ? last : std::min(last, axis_.size);
         for (Kpr64s x = first; x < begin; ++x) make(x);
-        walkRow<kLanes<T>>(
-            (end - begin) * channels, [](auto part, T* o, const T* s) { store(o, load(s, part), part); },
-            out + (begin - first) * channels, row + begin * channels);
+        walkRow<kLanes<T>>((end - begin) * channels, [](auto part, T* o, const T* s) { store(o, load(s, part), part); },
+                           out + (begin - first) * channels, row + begin * channels);
         for (Kpr64s x = end; x < last; ++x) make(x);
     }
 

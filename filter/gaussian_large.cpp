@@ -29,35 +29,48 @@ class HalfTaps {
         }
     }
 
-    template <typename Dst, Conversion, typename Part, typename At>
+    template <int vectors, typename Dst, Conversion, typename Part, typename At>
     KPR_INLINE void apply(Part part, At at, Dst* dst) const {
-        const Vec<Kpr32f> result = sum(part, at);
-        if constexpr (std::is_same_v<Dst, Kpr32f>)
-            store(dst, result, part);
-        else if constexpr (size == 5 && std::is_same_v<Dst, Kpr16s>)
-            storeLow(dst, toInteger(result), part);
-        else
-            storeAs(dst, toInteger(result), part);
+        Vec<Kpr32f> sums[vectors];
+        sum<vectors>(part, at, sums);
+        for (int v = 0; v < vectors; ++v) {
+            Dst* const to = dst + v * kStep;
+            if constexpr (std::is_same_v<Dst, Kpr32f>)
+                store(to, sums[v], part);
+            else if constexpr (size == 5 && std::is_same_v<Dst, Kpr16s>)
+                storeLow(to, toInteger(sums[v]), part);
+            else
+                storeAs(to, toInteger(sums[v]), part);
+        }
     }
 
   private:
-    template <typename Part, typename At>
-    [[nodiscard]] KPR_INLINE Vec<Kpr32f> sum(Part part, At at) const {
-        const auto s = [&](int distance) __attribute__((always_inline)) {
+    template <int vectors, typename Part, typename At>
+    KPR_INLINE void sum(Part part, At at, Vec<Kpr32f>* sums) const {
+        // Vector v of what lies at a distance, and in the middle.
+        const auto s = [&](int distance, int v) __attribute__((always_inline)) {
+            const Src* const before = at(radius() - distance) + v * kStep;
+            const Src* const after = at(radius() + distance) + v * kStep;
             if constexpr (std::is_same_v<Src, Kpr32f>)
-                return load(at(radius() - distance), part) + load(at(radius() + distance), part);
+                return load(before, part) + load(after, part);
             else
-                return toFloat(loadAs<Kpr32s>(at(radius() - distance), part) +
-                               loadAs<Kpr32s>(at(radius() + distance), part));
+                return toFloat(loadAs<Kpr32s>(before, part) + loadAs<Kpr32s>(after, part));
         };
-        const auto c = [&] { return loadAs<Kpr32f>(at(radius()), part); };
-        if constexpr (size == 3) return fma(s(1), taps_[0], taps_[1] * c());
-        if constexpr (size == 5) return fma(c(), taps_[2], fma(s(2), taps_[0], taps_[1] * s(1)));
-        if constexpr (size == 7) return fma(c(), taps_[3], fma(s(1), taps_[2], fma(s(3), taps_[0], taps_[1] * s(2))));
-        if constexpr (size == 0) {
-            Vec<Kpr32f> acc = broadcast(half_[0]) * s(radius_);
-            for (int i = 1; i < radius_; ++i) acc = fma(s(radius_ - i), broadcast(half_[i]), acc);
-            return fma(c(), broadcast(half_[radius_]), acc);
+        const auto c = [&](int v) { return loadAs<Kpr32f>(at(radius()) + v * kStep, part); };
+        if constexpr (size > 0) {
+            for (int v = 0; v < vectors; ++v) {
+                if constexpr (size == 3) sums[v] = fma(s(1, v), taps_[0], taps_[1] * c(v));
+                if constexpr (size == 5) sums[v] = fma(c(v), taps_[2], fma(s(2, v), taps_[0], taps_[1] * s(1, v)));
+                if constexpr (size == 7)
+                    sums[v] = fma(c(v), taps_[3], fma(s(1, v), taps_[2], fma(s(3, v), taps_[0], taps_[1] * s(2, v))));
+            }
+        } else {
+            for (int v = 0; v < vectors; ++v) sums[v] = broadcast(half_[0]) * s(radius_, v);
+            for (int i = 1; i < radius_; ++i) {
+                const Vec<Kpr32f> weight = broadcast(half_[i]);
+                for (int v = 0; v < vectors; ++v) sums[v] = fma(s(radius_ - i, v), weight, sums[v]);
+            }
+            for (int v = 0; v < vectors; ++v) sums[v] = fma(c(v), broadcast(half_[radius_]), sums[v]);
         }
     }
 

@@ -37,10 +37,9 @@ RowCall(const Src*, int, Dst* const*, KprSize, const Tap*, int, int, KprBorderTy
 template <int channels, typename Src, typename Dst, typename Tap>
 KprStatus filterRows(const RowCall<Src, Dst, Tap>& call) {
     constexpr int lanes = sizeof(Src) == 1 ? 1 : kLanes<Src>;  // bytes are truncated in just the columns at the border
-    EdgedRows<Src, channels, lanes> edged({call.src, call.srcStep}, call.roi.height,
-                                          columnsOf(call.roi.width, call.border), call.xAnchor,
-                                          call.kernelSize - 1 - call.xAnchor, call.borderValue,
-                                          alignedUp<Src>(call.buffer, 32));
+    EdgedRows<Src, channels, lanes> edged(
+        {call.src, call.srcStep}, call.roi.height, columnsOf(call.roi.width, call.border), call.xAnchor,
+        call.kernelSize - 1 - call.xAnchor, call.borderValue, alignedUp<Src>(call.buffer, 32));
     withSize(call.kernelSize, [&]<int size>() {
         const auto taps = tapsOf<Src, size>(call.kernel, call.kernelSize, call.divisor);
         constexpr auto atBorder = sizeof(Src) == 1 ? Conversion::Truncate : Conversion::Nearest;

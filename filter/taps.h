@@ -23,6 +23,9 @@ KPR_INLINE void repeat(int count, Body body) {
     }
 }
 
+// So many vectors are worked on at once: a long kernel looks up a tap once for all.
+inline constexpr int kGroup = 4;
+
 // Calls `run.template operator()<size>()` with the kernel sizes that have code of their own, and 0 for all others.
 template <typename Run>
 KPR_INLINE auto withSize(int kernelSize, Run run) {
@@ -70,8 +73,17 @@ class IntegerTaps {
         start_ = broadcast(static_cast<Kpr32s>(less));
     }
 
-    template <typename Dst, Conversion conversion, typename Part, typename At>
+    template <int vectors, typename Dst, Conversion conversion, typename Part, typename At>
     KPR_INLINE void apply(Part part, At at, Dst* dst) const {
+        for (int v = 0; v < vectors; ++v) {
+            applyOne<Dst, conversion>(
+                part, [&](int i) { return at(i) + v * kStep; }, dst + v * kStep);
+        }
+    }
+
+  private:
+    template <typename Dst, Conversion conversion, typename Part, typename At>
+    KPR_INLINE void applyOne(Part part, At at, Dst* dst) const {
         const Sums sums = sum(part, at);
         const Vec<Kpr32s> lower = scaled<conversion>(sums.lower);
         const Vec<Kpr32s> upper = scaled<conversion>(sums.upper);
@@ -81,7 +93,6 @@ class IntegerTaps {
             store(dst, join<Dst>(lower, upper), part);
     }
 
-  private:
     // The pixels, or the sums of pixels, that are multiplied.
     [[nodiscard]] KPR_INLINE constexpr int terms() const {
         const int taps = size == 0 ? kernelSize_ : size;
@@ -157,13 +168,17 @@ class FloatTaps {
         }
     }
 
-    template <typename Dst, Conversion, typename Part, typename At>
+    template <int vectors, typename Dst, Conversion, typename Part, typename At>
     KPR_INLINE void apply(Part part, At at, Dst* dst) const {
-        Vec<Kpr32f> sum = load(at(0), part) * tap(0);
+        Vec<Kpr32f> sums[vectors];
+        for (int v = 0; v < vectors; ++v) sums[v] = load(at(0) + v * kStep, part) * tap(0);
         repeat<size == 0 ? 0 : size - 1>(
-            kernelSize_ - 1, [&](int i)
-                                 __attribute__((always_inline)) { sum = fma(load(at(i + 1), part), tap(i + 1), sum); });
-        store(dst, sum, part);
+            kernelSize_ - 1, [&](int i) __attribute__((always_inline)) {
+                const Kpr32f* const row = at(i + 1);
+                const Vec<Kpr32f> weight = tap(i + 1);
+                for (int v = 0; v < vectors; ++v) sums[v] = fma(load(row + v * kStep, part), weight, sums[v]);
+            });
+        for (int v = 0; v < vectors; ++v) store(dst + v * kStep, sums[v], part);
     }
 
   private:
@@ -192,27 +207,23 @@ KPR_INLINE auto tapsOf(const Kpr32f* kernel, int kernelSize, int) {
 // dst[x] for `count` elements of a row whose tap i lies over src[x + i * spacing]. One copy serves all its callers:
 // what a call costs is nothing beside a row.
 template <Conversion conversion, int spacing, typename Taps, typename Dst>
-[[gnu::noinline]] void filterRow(const Taps& taps, const typename Taps::Pixel* src, Dst* dst, Kpr64s count) {
-    using Src = typename Taps::Pixel;
-    walkRow<Taps::kStep>(
-        count,
-        [taps](auto part, const Src* s, Dst* d) {  // a copy: what is not shared stays in registers
-            taps.template apply<Dst, conversion>(
-                part, [s](int i) { return s + i * spacing; }, d);
-        },
-        src, dst);
+[[gnu::noinline]] void filterRow(const Taps& shared, const typename Taps::Pixel* src, Dst* dst, Kpr64s count) {
+    const Taps taps = shared;  // a copy: what is not shared stays in registers
+    walkStretches<Taps::kStep, kGroup>(count, [&]<int vectors>(auto part, Kpr64s x) {
+        taps.template apply<vectors, Dst, conversion>(
+            part, [&](int i) { return src + x + i * spacing; }, dst + x);
+    });
 }
 
 // dst[x] for `count` elements, tap i over rows[i][x].
 template <typename Taps, typename Dst>
-[[gnu::noinline]] void filterColumn(const Taps& taps, const typename Taps::Pixel* const* rows, Dst* dst, Kpr64s count) {
-    walkRow<Taps::kStep>(
-        count,
-        [taps, rows, dst](auto part, Dst* d) {
-            taps.template apply<Dst, Conversion::Nearest>(
-                part, [=](int i) { return rows[i] + (d - dst); }, d);
-        },
-        dst);
+[[gnu::noinline]] void filterColumn(const Taps& shared, const typename Taps::Pixel* const* rows, Dst* dst,
+                                    Kpr64s count) {
+    const Taps taps = shared;
+    walkStretches<Taps::kStep, kGroup>(count, [&]<int vectors>(auto part, Kpr64s x) {
+        taps.template apply<vectors, Dst, Conversion::Nearest>(
+            part, [&](int i) { return rows[i] + x; }, dst + x);
+    });
 }
 
 }  // namespace n0
