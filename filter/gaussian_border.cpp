@@ -3,6 +3,7 @@
 // The rows of an integer image are rounded to integers between the stages: those of 8u to 16s, to nearest, but in the
 // columns that read a synthesised pixel by truncation. A row outside the ROI is a filtered row that the border word
 // names; of a constant it is that value itself.
+#include "filter/byte_gaussian.h"
 #include "filter/gaussian_block.h"
 #include "filter/ring.h"
 #include "filter/taps.h"
@@ -70,29 +71,53 @@ KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& 
     return kprStatusOk;
 }
 
-// A kernel of bytes folds when it is what the initialisation makes, symmetric with taps that add up to about 4096: the
-// rows then hold no more than about 255.
-bool foldsBytes(const Kpr16s* kernel, int kernelSize, int divisor) {
-    Kpr64s sum = 0;
-    for (int i = 0; i < kernelSize; ++i) {
-        if (kernel[i] < 0 || kernel[i] != kernel[kernelSize - 1 - i]) return false;
-        sum += kernel[i];
-    }
-    return divisor > 1 && 255 * sum < Kpr64s{16000} * divisor;
+// The ring of bytes takes half of the room that the buffer has for words. A row is filtered to nearest first, and its
+// columns at the border again.
+template <int channels, int size>
+KprStatus smoothBytes(const Call<Kpr8u>& call, const BytePairs& pairs) {
+    const ByteTaps<size> taps(pairs, call.kernelSize);
+    const int radius = call.kernelSize / 2;
+    const Axis rows = rowsOf(call.roi.height, call.border), columns = columnsOf(call.roi.width, call.border);
+    const Kpr64s width = call.roi.width;
+    const Kpr64s left = columns.lowInMemory ? 0 : std::min<Kpr64s>(radius, width);
+    const Kpr64s right = columns.highInMemory ? width : std::max<Kpr64s>(left, width - radius);
+    EdgedRows<Kpr8u, channels, kLanes<Kpr8u>> edged(call.src, endOf(rows, radius), columns, radius, radius, call.value,
+                                                    nullptr);
+    walkRing(
+        rows, radius, Ring<Kpr8u>{alignedUp<Kpr8u>(call.buffer, 64), channels * width, nullptr},
+        [&](Kpr64s y, Kpr8u* out) {
+            const auto filter = [&]<Conversion conversion>(const Kpr8u* s, Kpr64s x, Kpr64s from, Kpr64s to) {
+                if (from < to)
+                    filterByteRow<channels, conversion>(taps, s + (from - x) * channels, out + from * channels,
+                                                        (to - from) * channels);
+            };
+            edged.filter(
+                y,
+                [&](const Kpr8u* s, Kpr64s x, Kpr64s count) {
+                    filter.template operator()<Conversion::Nearest>(s, x, x, x + count);
+                },
+                [&](const Kpr8u* s, Kpr64s x, Kpr64s count) {
+                    filter.template operator()<Conversion::Nearest>(s, x, x, x + count);
+                    filter.template operator()<Conversion::Truncate>(s, x, x, std::min(left, x + count));
+                    filter.template operator()<Conversion::Truncate>(s, x, std::max(right, x), x + count);
+                });
+        },
+        [&](Kpr8u* out) { fillPixels<channels>(out, width, call.value); },
+        [&](const Kpr8u* const* window, Kpr64s y) { filterByteColumn(taps, window, call.dst[y], channels * width); });
+    return kprStatusOk;
 }
 
 template <int channels, typename T>
 KprStatus smoothIntegers(const Call<T>& call, const Kpr16s* kernel, int divisor) {
     return withSize(call.kernelSize, [&]<int size>() {
-        const auto filter = [&]<Known known>() {
-            return smooth<channels>(call, IntegerTaps<T, size, known>(kernel, call.kernelSize, divisor),
-                                    IntegerTaps<Middle<T>, size, known>(kernel, call.kernelSize, divisor));
-        };
+        if constexpr (sizeof(T) == 1) {
+            BytePairs pairs;
+            if (pairs.make(kernel, call.kernelSize, divisor)) return smoothBytes<channels, size>(call, pairs);
+        }
         // 16-bit blocks have a divisor of 32768.
-        if constexpr (sizeof(T) > 1) return filter.template operator()<Known{.folds = false, .shrinks = true}>();
-        if (foldsBytes(kernel, call.kernelSize, divisor))
-            return filter.template operator()<Known{.folds = true, .shrinks = true}>();
-        return filter.template operator()<Known{}>();
+        constexpr bool shrinks = sizeof(T) > 1;
+        return smooth<channels>(call, IntegerTaps<T, size, shrinks>(kernel, call.kernelSize, divisor),
+                                IntegerTaps<Middle<T>, size, shrinks>(kernel, call.kernelSize, divisor));
     });
 }
 

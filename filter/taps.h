@@ -48,14 +48,9 @@ struct Sums {
     Vec<Kpr32s> lower, upper;
 };
 
-// What a caller knows beforehand about integer taps and their divisor.
-struct Known {
-    bool folds = false;    // the taps are symmetric, and two pixels' sum fits in 16 bits: pairs are added first
-    bool shrinks = false;  // the divisor is 2 or more: no product leaves 32 bits
-};
-
-// Integer taps, two and two as `sumPairs` takes them; the last of an odd number stands beside a zero.
-template <typename Src, int size, Known known = Known{}>
+// Integer taps, two and two as `sumPairs` takes them; the last of an odd number stands beside a zero. `shrinks` says
+// that the divisor is known to be 2 or more: no product leaves 32 bits.
+template <typename Src, int size, bool shrinks = false>
 class IntegerTaps {
   public:
     using Pixel = Src;
@@ -93,19 +88,12 @@ class IntegerTaps {
             store(dst, join<Dst>(lower, upper), part);
     }
 
-    // The pixels, or the sums of pixels, that are multiplied.
-    [[nodiscard]] KPR_INLINE constexpr int terms() const {
-        const int taps = size == 0 ? kernelSize_ : size;
-        return known.folds ? taps / 2 + 1 : taps;
-    }
+    [[nodiscard]] KPR_INLINE constexpr int terms() const { return size == 0 ? kernelSize_ : size; }
 
     template <typename Part, typename At>
     [[nodiscard]] KPR_INLINE Sums sum(Part part, At at) const {
-        constexpr int kPairs = (known.folds ? size / 2 + 1 : size) / 2;
-        const auto term = [&](int i) __attribute__((always_inline)) {
-            const Vec<Kpr16s> pixel = words(at(i), part);
-            return known.folds && i < terms() - 1 ? pixel + words(at(2 * (terms() - 1) - i), part) : pixel;
-        };
+        constexpr int kPairs = size / 2;
+        const auto term = [&](int i) __attribute__((always_inline)) { return words(at(i), part); };
         Sums sums = {start_, start_};
         repeat<kPairs>(
             terms() / 2, [&](int i)
@@ -131,7 +119,7 @@ class IntegerTaps {
     template <Conversion conversion>
     [[nodiscard]] KPR_INLINE Vec<Kpr32s> scaled(Vec<Kpr32s> sum) const {
         Vec<Kpr32f> value = toFloat(sum) * inverse_;
-        if constexpr (!known.shrinks) value = min(value, broadcast(65536.0F));
+        if constexpr (!shrinks) value = min(value, broadcast(65536.0F));
         return conversion == Conversion::Nearest ? toInteger(value) : truncate(value);
     }
 

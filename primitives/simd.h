@@ -49,6 +49,10 @@ struct First : Lanes {
     KPR_INLINE explicit First(Kpr64s lanes) { bits = _bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes)); }
 };
 
+// The part and the lane behind it.
+KPR_INLINE All oneMore(All part) { return part; }
+KPR_INLINE First oneMore(First part) { return First{_mm_popcnt_u64(part.bits) + 1}; }
+
 // All, of a destination that lies on a 64-byte boundary: whole vectors are stored past the cache.
 struct Streamed : All {};
 
@@ -341,17 +345,26 @@ KPR_INLINE Vec<Kpr32s> sumPairs(Vec<Kpr16s> a, Vec<Kpr16s> b) {
     return vec<Kpr32s>(_mm512_madd_epi16(bits(a), bits(b)));
 }
 
+// Lane i is a[2i] * b[2i] + a[2i+1] * b[2i+1], the nearest value of 16 bits.
+KPR_INLINE Vec<Kpr16s> sumPairs(Vec<Kpr8u> a, Vec<Kpr8s> b) {
+    return vec<Kpr16s>(_mm512_maddubs_epi16(bits(a), bits(b)));
+}
+
 // The upper 16 bits of the unsigned product.
 KPR_INLINE Vec<Kpr16u> mulHigh(Vec<Kpr16u> a, Vec<Kpr16u> b) {
     return vec<Kpr16u>(_mm512_mulhi_epu16(bits(a), bits(b)));
 }
 
 // The lanes of a and b in turn: of the lower or upper half of each block of 16 bytes.
-KPR_INLINE Vec<Kpr16s> interleaveLower(Vec<Kpr16s> a, Vec<Kpr16s> b) {
-    return vec<Kpr16s>(_mm512_unpacklo_epi16(bits(a), bits(b)));
+template <typename T>
+KPR_INLINE Vec<T> interleaveLower(Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_unpacklo_epi8(bits(a), bits(b)));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_unpacklo_epi16(bits(a), bits(b)));
 }
-KPR_INLINE Vec<Kpr16s> interleaveUpper(Vec<Kpr16s> a, Vec<Kpr16s> b) {
-    return vec<Kpr16s>(_mm512_unpackhi_epi16(bits(a), bits(b)));
+template <typename T>
+KPR_INLINE Vec<T> interleaveUpper(Vec<T> a, Vec<T> b) {
+    if constexpr (sizeof(T) == 1) return vec<T>(_mm512_unpackhi_epi8(bits(a), bits(b)));
+    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_unpackhi_epi16(bits(a), bits(b)));
 }
 
 // Block of 16 bytes by block, the lanes of `lower` and then those of `upper`, each the nearest value of To's range: the
@@ -360,6 +373,10 @@ template <typename To>
 KPR_INLINE Vec<To> join(Vec<Kpr32s> lower, Vec<Kpr32s> upper) {
     if constexpr (std::is_same_v<To, Kpr16s>) return vec<To>(_mm512_packs_epi32(bits(lower), bits(upper)));
     if constexpr (std::is_same_v<To, Kpr16u>) return vec<To>(_mm512_packus_epi32(bits(lower), bits(upper)));
+}
+
+KPR_INLINE Vec<Kpr8u> join(Vec<Kpr16u> lower, Vec<Kpr16u> upper) {  // of lanes below 2^15
+    return vec<Kpr8u>(_mm512_packus_epi16(bits(lower), bits(upper)));
 }
 
 // Correctly rounded; a NaN of what is below zero, and -0 of -0.
@@ -394,11 +411,18 @@ KPR_INLINE Widened multiplyWide(Vec<Kpr16s> a, Vec<Kpr16s> b) {
 // Each lane the nearest value of its new range.
 KPR_INLINE Vec<Kpr16s> narrow(Widened v) { return vec<Kpr16s>(_mm512_packs_epi32(bits(v.some), bits(v.others))); }
 
-// Unsigned lanes, moved towards their lowest bit.
+// Lanes moved by so many bits; those of a signed type keep their sign on the way right.
+template <int count, typename T>
+KPR_INLINE Vec<T> shiftLeft(Vec<T> v) {
+    static_assert(sizeof(T) == 2);
+    return vec<T>(_mm512_slli_epi16(bits(v), count));
+}
 template <int count, typename T>
 KPR_INLINE Vec<T> shiftRight(Vec<T> v) {
-    if constexpr (sizeof(T) == 2) return vec<T>(_mm512_srli_epi16(bits(v), count));
-    if constexpr (sizeof(T) == 8) return vec<T>(_mm512_srli_epi64(bits(v), count));
+    if constexpr (std::is_same_v<T, Kpr16s>) return vec<T>(_mm512_srai_epi16(bits(v), count));
+    if constexpr (std::is_same_v<T, Kpr64s> || std::is_same_v<T, Bits64>)
+        return vec<T>(_mm512_srli_epi64(bits(v), count));
+    if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_srli_epi16(bits(v), count));
 }
 
 // Lane i is v's lane from[i].
@@ -454,6 +478,18 @@ KPR_INLINE Mask<T> equal(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_integral_v<T> && sizeof(T) == 2) return _mm512_cmpeq_epi16_mask(bits(a), bits(b));
     if constexpr (std::is_integral_v<T> && sizeof(T) == 4) return _mm512_cmpeq_epi32_mask(bits(a), bits(b));
     if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_EQ_OQ);
+}
+
+// Where v has none of the bits, of all lanes or of some.
+template <typename T>
+KPR_INLINE Mask<T> noneOf(Vec<T> v, Vec<T> which) {
+    static_assert(sizeof(T) == 2);
+    return _mm512_testn_epi16_mask(bits(v), bits(which));
+}
+template <typename T>
+KPR_INLINE Mask<T> noneOf(Mask<T> lanes, Vec<T> v, Vec<T> which) {
+    static_assert(sizeof(T) == 2);
+    return _mm512_mask_testn_epi16_mask(lanes, bits(v), bits(which));
 }
 
 // Where the sign bit is set: that of a zero or a NaN too.

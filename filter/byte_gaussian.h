@@ -1,0 +1,188 @@
+// The Gaussian filter of bytes with 32-bit sizes, by bytes: rows are bytes between the stages too, since taps that are
+// not negative and add up to about 4096 give no result beyond 255.
+//
+// A tap is written as 32 * high + low, low between -31 and 31, so that products of bytes add up in 16 bits: 255 times
+// the lows of either sign stays below 2^15. With S = 32 * H + L and T = H + (L >> 5), which is S / 32 rounded down,
+//
+//     S / 4096 to nearest    (T + 64) >> 7, one less where that is odd and a tie: no bit set in T + 64 below 7 and in L
+//                            below 5
+//     S / 4096 truncated     T >> 7
+//
+// Two pixels are multiplied and added at once. Along a row of one channel these are neighbours: one vector serves the
+// results of its even columns, as taps (0, 1), (2, 3) ..., and of its odd ones, as taps (-, 0), (1, 2) ....
+#pragma once
+
+#include "filter/taps.h"
+
+namespace n0 {
+
+// The taps of a kernel in pairs, four bytes to a pair: twice the two.
+class BytePairs {
+  public:
+    static constexpr int kMostTaps = 63;
+    static constexpr int kFlush = 6;  // so many pairs' lows add up safely
+    static constexpr int kMost = (kMostTaps + 1) / 2;
+    struct Pair {
+        Kpr32s high, low;
+    };
+    Pair even[kMost], odd[kMost];
+
+    // False where the kernel is not one that the file's comment tells of.
+    bool make(const Kpr16s* kernel, int kernelSize, int divisor) {
+        if (divisor != 4096 || kernelSize > kMostTaps) return false;
+        Kpr8s high[kMostTaps + 2] = {}, low[kMostTaps + 2] = {};  // of tap i at i + 1
+        int sum = 0, above = 0, below = 0;
+        for (int i = 0; i < kernelSize; ++i) {
+            if (i % (2 * kFlush) == 0) above = below = 0;
+            const int tap = kernel[i], rest = tap & 31;
+            if (tap < 0 || tap > 4064) return false;
+            const bool negative = below + 32 - rest < above + rest;
+            (negative ? below : above) += negative ? 32 - rest : rest;
+            if (above > 128 || below > 128) return false;
+            low[i + 1] = static_cast<Kpr8s>(negative ? rest - 32 : rest);
+            high[i + 1] = static_cast<Kpr8s>((tap - low[i + 1]) / 32);
+            sum += tap;
+        }
+        for (int i = 0; i < (kernelSize + 1) / 2; ++i) {
+            even[i] = {packed(high, 2 * i + 1), packed(low, 2 * i + 1)};
+            odd[i] = {packed(high, 2 * i), packed(low, 2 * i)};
+            if (high[2 * i + 1] + high[2 * i + 2] > 128 || high[2 * i] + high[2 * i + 1] > 128) return false;
+        }
+        return 255 * sum + 2048 < 256 * 4096;
+    }
+
+  private:
+    static Kpr32s packed(const Kpr8s* taps, int i) {
+        const unsigned pair = static_cast<Kpr8u>(taps[i]) | unsigned{static_cast<Kpr8u>(taps[i + 1])} << 8;
+        return static_cast<Kpr32s>(pair | pair << 16);
+    }
+};
+
+// The sums of 32 pixels.
+struct Digits {
+    Vec<Kpr16s> high = zero<Kpr16s>(), low = zero<Kpr16s>();
+
+    KPR_INLINE void add(Vec<Kpr8u> pixels, Vec<Kpr8s> highs, Vec<Kpr8s> lows) {
+        high = high + sumPairs(pixels, highs);
+        low = low + sumPairs(pixels, lows);
+    }
+    KPR_INLINE void flush() {
+        high = high + shiftRight<5>(low);
+        low = low & broadcast<Kpr16s>(31);
+    }
+};
+
+// 128 times the results, and less than 128 more.
+template <Conversion conversion>
+KPR_INLINE void divide(const Digits& a, const Digits& b, Vec<Kpr16u>& resultA, Vec<Kpr16u>& resultB) {
+    resultA = as<Kpr16u>(a.high + shiftRight<5>(a.low));
+    resultB = as<Kpr16u>(b.high + shiftRight<5>(b.low));
+    if constexpr (conversion == Conversion::Nearest) {
+        resultA = resultA + broadcast<Kpr16u>(64);
+        resultB = resultB + broadcast<Kpr16u>(64);
+        const auto tie = [](const Digits& d, Vec<Kpr16u> result) {
+            return noneOf(noneOf(result, broadcast<Kpr16u>(127)), d.low, broadcast<Kpr16s>(31));
+        };
+        const Mask<Kpr16u> tieA = tie(a, resultA), tieB = tie(b, resultB);
+        if ((tieA | tieB) != 0) [[unlikely]] {
+            const auto odd = [](Vec<Kpr16u> result) { return shiftRight<7>(result) & broadcast<Kpr16u>(1); };
+            resultA = resultA - keep<Kpr16u>(tieA, odd(resultA));
+            resultB = resultB - keep<Kpr16u>(tieB, odd(resultB));
+        }
+    }
+}
+
+// Taps of a kernel of known size are kept in registers; those of others are looked up.
+template <int size>
+class ByteTaps {
+  public:
+    ByteTaps(const BytePairs& pairs, int kernelSize) : pairs_(&pairs), kernelSize_(kernelSize) {
+        for (int i = 0; i < kKept; ++i) {
+            even_[i] = pairs.even[i];
+            odd_[i] = pairs.odd[i];
+        }
+    }
+
+    // Neighbours in a row: dst[x] from src[x] to src[x + kernelSize - 1].
+    template <Conversion conversion, typename Part>
+    KPR_INLINE void along(Part part, const Kpr8u* src, Kpr8u* dst) const {
+        Digits even, odd;
+        repeat<(size + 1) / 2>(
+            pairs(), [&](int i) __attribute__((always_inline)) {
+                const Vec<Kpr8u> pixels =
+                    i + 1 < pairs() ? loadOnce(src + 2 * i, oneMore(part)) : loadOnce(src + 2 * i, part);
+                add(even, pixels, evenPair(i));
+                add(odd, pixels, oddPair(i));
+                if (size == 0 && i % BytePairs::kFlush == BytePairs::kFlush - 1) {
+                    even.flush();
+                    odd.flush();
+                }
+            });
+        Vec<Kpr16u> lower, upper;
+        divide<conversion>(even, odd, lower, upper);
+        store(dst, as<Kpr8u>(shiftRight<7>(lower) | (shiftLeft<1>(upper) & broadcast<Kpr16u>(0xff00))), part);
+    }
+
+    // Tap i over at(i).
+    template <Conversion conversion, typename Part, typename At>
+    KPR_INLINE void down(Part part, At at, Kpr8u* dst) const {
+        Digits lower, upper;
+        repeat<(size + 1) / 2>(
+            pairs(), [&](int i) __attribute__((always_inline)) {
+                const Vec<Kpr8u> a = load(at(2 * i), part);
+                const Vec<Kpr8u> b = i + 1 < pairs() ? load(at(2 * i + 1), part) : a;
+                add(lower, interleaveLower(a, b), evenPair(i));
+                add(upper, interleaveUpper(a, b), evenPair(i));
+                if (size == 0 && i % BytePairs::kFlush == BytePairs::kFlush - 1) {
+                    lower.flush();
+                    upper.flush();
+                }
+            });
+        Vec<Kpr16u> a, b;
+        divide<conversion>(lower, upper, a, b);
+        store(dst, join(shiftRight<7>(a), shiftRight<7>(b)), part);
+    }
+
+  private:
+    static constexpr int kKept = (size + 1) / 2;
+
+    [[nodiscard]] KPR_INLINE constexpr int pairs() const { return size == 0 ? (kernelSize_ + 1) / 2 : kKept; }
+    [[nodiscard]] KPR_INLINE const BytePairs::Pair& evenPair(int i) const {
+        return size == 0 ? pairs_->even[i] : even_[i];
+    }
+    [[nodiscard]] KPR_INLINE const BytePairs::Pair& oddPair(int i) const {
+        return size == 0 ? pairs_->odd[i] : odd_[i];
+    }
+    KPR_INLINE static void add(Digits& digits, Vec<Kpr8u> pixels, const BytePairs::Pair& pair) {
+        digits.add(pixels, as<Kpr8s>(broadcast(pair.high)), as<Kpr8s>(broadcast(pair.low)));
+    }
+
+    const BytePairs* pairs_;
+    int kernelSize_;
+    BytePairs::Pair even_[kKept == 0 ? 1 : kKept], odd_[kKept == 0 ? 1 : kKept];
+};
+
+// dst[x] for `count` elements of a row whose tap i lies over src[x + i * channels].
+template <int channels, Conversion conversion, int size>
+[[gnu::noinline]] void filterByteRow(const ByteTaps<size>& shared, const Kpr8u* src, Kpr8u* dst, Kpr64s count) {
+    const ByteTaps<size> taps = shared;
+    walkColumns<kLanes<Kpr8u>>(count, [&](auto part, Kpr64s x) {
+        if constexpr (channels == 1)
+            taps.template along<conversion>(part, src + x, dst + x);
+        else
+            taps.template down<conversion>(
+                part, [&](int i) { return src + x + i * channels; }, dst + x);
+    });
+}
+
+template <int size>
+[[gnu::noinline]] void filterByteColumn(const ByteTaps<size>& shared, const Kpr8u* const* rows, Kpr8u* dst,
+                                        Kpr64s count) {
+    const ByteTaps<size> taps = shared;
+    walkColumns<kLanes<Kpr8u>>(count, [&](auto part, Kpr64s x) {
+        taps.template down<Conversion::Nearest>(
+            part, [&](int i) { return rows[i] + x; }, dst + x);
+    });
+}
+
+}  // namespace n0
