@@ -50,6 +50,24 @@ constexpr Axis rowsOf(Kpr64s height, KprBorderType word) {
     return {height, word & kBaseMode, (word & kprBorderInMemTop) != 0, (word & kprBorderInMemBottom) != 0};
 }
 
+// A part of a row that is filtered at one go: columns x to x + count - 1, `src` being the first pixel that column x
+// needs. At an edge pixels are read that the border rule has made.
+template <typename T>
+struct RowPart {
+    const T* src;
+    Kpr64s x, count;
+    bool atEdge;
+};
+
+template <typename T>
+struct RowParts {
+    RowPart<T> part[3];
+    int count = 0;
+
+    [[nodiscard]] const RowPart<T>* begin() const { return part; }
+    [[nodiscard]] const RowPart<T>* end() const { return part + count; }
+};
+
 // Rows of an image that are filtered along, a result needing `before` pixels on its left and `after` on its right.
 //
 // Columns near a synthesised pixel are filtered from strips: copies of the row's ends with their border. The strips of
@@ -59,65 +77,61 @@ constexpr Axis rowsOf(Kpr64s height, KprBorderType word) {
 template <typename T, int channels, int lanes>
 class EdgedRows {
   public:
-    // Rows up to `end` exist. `value` has one element a channel and is read only where the axis asks for it; `strip`
-    // has room for before + after pixels and as many as the border touches on either side, and serves where kernels are
-    // long.
+    // Rows up to `end` exist. `value` has one element a channel and is read only where the axis asks for it. `strip` is
+    // for long kernels: room for three times before + after pixels, or for the extended row if that is shorter and
+    // there is more than one lane.
     EdgedRows(Rows<const T> src, Kpr64s end, Axis axis, int before, int after, const T* value, T* strip)
         : src_(src), end_(end), axis_(axis), before_(before), after_(after), value_(value), strip_(strip) {
-        left_ = axis.lowInMemory ? 0 : std::min((before + Kpr64s{lanes - 1}) & -Kpr64s{lanes}, axis.size);
-        right_ = axis.highInMemory ? axis.size : (axis.size - after) & -Kpr64s{lanes};
-        if (right_ < left_) right_ = lanes == 1 ? left_ : left_ = axis.size;
-        stride_ = (left_ + axis.size - right_ + 2 * (Kpr64s{before} + after)) * channels;
+        cut(lanes);
         held_ = stride_ * kMostRows <= kOwnStrips ? kMostRows : stride_ <= kOwnStrips ? kOwnStrips / stride_ : 0;
         if (held_ == 0) {
-            left_ = axis.lowInMemory ? 0 : std::min<Kpr64s>(before, axis.size);
-            right_ = axis.highInMemory ? axis.size : std::max<Kpr64s>(left_, axis.size - after);
+            cut(1);
+            if (lanes > 1 && axis.size <= 2 * (Kpr64s{before} + after)) left_ = right_ = axis.size;
         }
     }
 
-    // Row y, by `edge` from strips and by `inner` where it lies. Both take the first pixel read, the first column
-    // written, and the number of columns.
-    template <typename Inner, typename Edge>
-    KPR_INLINE void filter(Kpr64s y, Inner inner, Edge edge) {
-        if (held_ > 0 && (y < first_ || y >= first_ + held_)) {
-            first_ = y;
-            for (Kpr64s i = 0; i < held_ && y + i < end_; ++i) {
-                fillLeft(src_[y + i], own_ + i * stride_);
-                fillRight(src_[y + i], rightOf(own_ + i * stride_));
+    RowParts<T> row(Kpr64s y) {
+        T* strips = strip_;
+        if (held_ == 0) {
+            fill(y, strips);
+        } else {
+            if (y < first_ || y >= first_ + held_) {
+                first_ = y;
+                for (Kpr64s i = 0; i < held_ && y + i < end_; ++i) fill(y + i, own_ + i * stride_);
             }
+            strips = own_ + (y - first_) * stride_;
         }
-        const T* row = src_[y];
-        T* const left = held_ > 0 ? own_ + (y - first_) * stride_ : strip_;
-        T* const right = held_ > 0 ? rightOf(left) : strip_;
-        if (left_ > 0) {
-            if (held_ == 0) fillLeft(row, left);
-            edge(left, Kpr64s{0}, left_);
-        }
-        if (right_ > left_) inner(row + (left_ - before_) * channels, left_, right_ - left_);
-        if (axis_.size > right_) {
-            if (held_ == 0) fillRight(row, right);
-            edge(right, right_, axis_.size - right_);
-        }
-    }
-
-    template <typename Filter>
-    KPR_INLINE void filter(Kpr64s y, Filter both) {
-        filter(y, both, both);
+        RowParts<T> parts;
+        if (left_ > 0) parts.part[parts.count++] = {strips, 0, left_, true};
+        if (right_ > left_)
+            parts.part[parts.count++] = {src_[y] + (left_ - before_) * channels, left_, right_ - left_, false};
+        if (axis_.size > right_) parts.part[parts.count++] = {rightOf(strips), right_, axis_.size - right_, true};
+        return parts;
     }
 
   private:
     static constexpr Kpr64s kOwnStrips = 2048, kMostRows = 8;
 
-    T* rightOf(T* left) const { return left + (left_ + before_ + after_) * channels; }
-    void fillLeft(const T* row, T* out) const {
-        if (left_ > 0) fill(row, -before_, left_ + after_, out);
+    // Strips of columns before left_ and from right_ on, in whole groups.
+    void cut(Kpr64s group) {
+        left_ = axis_.lowInMemory ? 0 : std::min((before_ + group - 1) & -group, axis_.size);
+        right_ = axis_.highInMemory ? axis_.size : (axis_.size - after_) & -group;
+        if (right_ < left_) {
+            if (group > 1) left_ = axis_.size;
+            right_ = left_;
+        }
+        stride_ = (left_ + axis_.size - right_ + 2 * (Kpr64s{before_} + after_)) * channels;
     }
-    void fillRight(const T* row, T* out) const {
-        if (axis_.size > right_) fill(row, right_ - before_, axis_.size + after_, out);
+
+    T* rightOf(T* left) const { return left_ > 0 ? left + (left_ + before_ + after_) * channels : left; }
+
+    void fill(Kpr64s y, T* strips) const {
+        if (left_ > 0) extend(src_[y], -before_, left_ + after_, strips);
+        if (axis_.size > right_) extend(src_[y], right_ - before_, axis_.size + after_, rightOf(strips));
     }
 
     // Pixels `first` to `last - 1` of the extended row.
-    void fill(const T* row, Kpr64s first, Kpr64s last, T* out) const {
+    void extend(const T* row, Kpr64s first, Kpr64s last, T* out) const {
         const auto make = [&](Kpr64s x) {
             const Kpr64s from = axis_(x);
             const T* pixel = from == kConstant ? value_ : row + from * channels;
@@ -137,10 +151,10 @@ class EdgedRows {
     int before_, after_;
     const T* value_;
     T* strip_;
-    Kpr64s left_, right_;       // columns before the one and from the other on are filtered from strips
+    Kpr64s left_ = 0, right_ = 0;
+    Kpr64s stride_ = 0;         // elements of a row's strips
     Kpr64s first_ = INT64_MAX;  // the first of the rows whose strips are held
     Kpr64s held_;               // how many are; none where strips are longer than the memory for them
-    Kpr64s stride_;
     T own_[kOwnStrips];
 };
 

@@ -72,23 +72,21 @@ struct Digits {
     }
 };
 
-// 128 times the results, and less than 128 more.
-template <Conversion conversion>
-KPR_INLINE void divide(const Digits& a, const Digits& b, Vec<Kpr16u>& resultA, Vec<Kpr16u>& resultB) {
-    resultA = as<Kpr16u>(a.high + shiftRight<5>(a.low));
-    resultB = as<Kpr16u>(b.high + shiftRight<5>(b.low));
-    if constexpr (conversion == Conversion::Nearest) {
-        resultA = resultA + broadcast<Kpr16u>(64);
-        resultB = resultB + broadcast<Kpr16u>(64);
-        const auto tie = [](const Digits& d, Vec<Kpr16u> result) {
-            return noneOf(noneOf(result, broadcast<Kpr16u>(127)), d.low, broadcast<Kpr16s>(31));
+// 128 times the results, and less than 128 more; `half` is 64 where they are rounded to nearest and 0 elsewhere.
+KPR_INLINE void divide(const Digits& a, const Digits& b, Vec<Kpr16u> halfA, Vec<Kpr16u> halfB, Vec<Kpr16u>& resultA,
+                       Vec<Kpr16u>& resultB) {
+    resultA = as<Kpr16u>(a.high + shiftRight<5>(a.low)) + halfA;
+    resultB = as<Kpr16u>(b.high + shiftRight<5>(b.low)) + halfB;
+    const auto tie = [](const Digits& d, Vec<Kpr16u> result) {
+        return noneOf(noneOf(result, broadcast<Kpr16u>(127)), d.low, broadcast<Kpr16s>(31));
+    };
+    const Mask<Kpr16u> tieA = tie(a, resultA), tieB = tie(b, resultB);
+    if ((tieA | tieB) != 0) [[unlikely]] {
+        const auto odd = [](Vec<Kpr16u> result, Vec<Kpr16u> half) {
+            return shiftRight<7>(result) & shiftRight<6>(half);
         };
-        const Mask<Kpr16u> tieA = tie(a, resultA), tieB = tie(b, resultB);
-        if ((tieA | tieB) != 0) [[unlikely]] {
-            const auto odd = [](Vec<Kpr16u> result) { return shiftRight<7>(result) & broadcast<Kpr16u>(1); };
-            resultA = resultA - keep<Kpr16u>(tieA, odd(resultA));
-            resultB = resultB - keep<Kpr16u>(tieB, odd(resultB));
-        }
+        resultA = resultA - keep<Kpr16u>(tieA, odd(resultA, halfA));
+        resultB = resultB - keep<Kpr16u>(tieB, odd(resultB, halfB));
     }
 }
 
@@ -98,14 +96,14 @@ class ByteTaps {
   public:
     ByteTaps(const BytePairs& pairs, int kernelSize) : pairs_(&pairs), kernelSize_(kernelSize) {
         for (int i = 0; i < kKept; ++i) {
-            even_[i] = pairs.even[i];
-            odd_[i] = pairs.odd[i];
+            even_[i] = vectors(pairs.even[i]);
+            odd_[i] = vectors(pairs.odd[i]);
         }
     }
 
-    // Neighbours in a row: dst[x] from src[x] to src[x + kernelSize - 1].
-    template <Conversion conversion, typename Part>
-    KPR_INLINE void along(Part part, const Kpr8u* src, Kpr8u* dst) const {
+    // Neighbours in a row: dst[x] from src[x] to src[x + kernelSize - 1], to nearest where `nearest` has a bit.
+    template <typename Part, typename Nearest>
+    KPR_INLINE void along(Part part, Nearest nearest, const Kpr8u* src, Kpr8u* dst, auto stored) const {
         Digits even, odd;
         repeat<(size + 1) / 2>(
             pairs(), [&](int i) __attribute__((always_inline)) {
@@ -119,13 +117,13 @@ class ByteTaps {
                 }
             });
         Vec<Kpr16u> lower, upper;
-        divide<conversion>(even, odd, lower, upper);
-        store(dst, as<Kpr8u>(shiftRight<7>(lower) | (shiftLeft<1>(upper) & broadcast<Kpr16u>(0xff00))), part);
+        divide(even, odd, halfOf(nearest, 0x5555555555555555), halfOf(nearest, 0xaaaaaaaaaaaaaaaa), lower, upper);
+        store(dst, as<Kpr8u>(shiftRight<7>(lower) | (shiftLeft<1>(upper) & broadcast<Kpr16u>(0xff00))), stored);
     }
 
-    // Tap i over at(i).
-    template <Conversion conversion, typename Part, typename At>
-    KPR_INLINE void down(Part part, At at, Kpr8u* dst) const {
+    // Tap i over at(i), likewise.
+    template <typename Part, typename Nearest, typename At>
+    KPR_INLINE void down(Part part, Nearest nearest, At at, Kpr8u* dst, auto stored) const {
         Digits lower, upper;
         repeat<(size + 1) / 2>(
             pairs(), [&](int i) __attribute__((always_inline)) {
@@ -139,49 +137,81 @@ class ByteTaps {
                 }
             });
         Vec<Kpr16u> a, b;
-        divide<conversion>(lower, upper, a, b);
-        store(dst, join(shiftRight<7>(a), shiftRight<7>(b)), part);
+        divide(lower, upper, halfOf(nearest, 0x00ff00ff00ff00ff), halfOf(nearest, 0xff00ff00ff00ff00), a, b);
+        store(dst, join(shiftRight<7>(a), shiftRight<7>(b)), stored);
     }
 
   private:
     static constexpr int kKept = (size + 1) / 2;
 
+    // The half that is added to the lanes which stand for those pixels.
+    KPR_INLINE static Vec<Kpr16u> halfOf(All, Bits64) { return broadcast<Kpr16u>(64); }
+    KPR_INLINE static Vec<Kpr16u> halfOf(Lanes nearest, Bits64 pixels) {
+        return keep<Kpr16u>(static_cast<Mask<Kpr16u>>(gatherBits(nearest.bits, pixels)), broadcast<Kpr16u>(64));
+    }
+
     [[nodiscard]] KPR_INLINE constexpr int pairs() const { return size == 0 ? (kernelSize_ + 1) / 2 : kKept; }
-    [[nodiscard]] KPR_INLINE const BytePairs::Pair& evenPair(int i) const {
-        return size == 0 ? pairs_->even[i] : even_[i];
+    struct Weights {
+        Vec<Kpr8s> high, low;
+    };
+    [[nodiscard]] KPR_INLINE static Weights vectors(const BytePairs::Pair& pair) {
+        return {as<Kpr8s>(broadcast(pair.high)), as<Kpr8s>(broadcast(pair.low))};
     }
-    [[nodiscard]] KPR_INLINE const BytePairs::Pair& oddPair(int i) const {
-        return size == 0 ? pairs_->odd[i] : odd_[i];
-    }
-    KPR_INLINE static void add(Digits& digits, Vec<Kpr8u> pixels, const BytePairs::Pair& pair) {
-        digits.add(pixels, as<Kpr8s>(broadcast(pair.high)), as<Kpr8s>(broadcast(pair.low)));
+    [[nodiscard]] KPR_INLINE Weights evenPair(int i) const { return size == 0 ? vectors(pairs_->even[i]) : even_[i]; }
+    [[nodiscard]] KPR_INLINE Weights oddPair(int i) const { return size == 0 ? vectors(pairs_->odd[i]) : odd_[i]; }
+    KPR_INLINE static void add(Digits& digits, Vec<Kpr8u> pixels, const Weights& weights) {
+        digits.add(pixels, weights.high, weights.low);
     }
 
     const BytePairs* pairs_;
     int kernelSize_;
-    BytePairs::Pair even_[kKept == 0 ? 1 : kKept], odd_[kKept == 0 ? 1 : kKept];
+    Weights even_[kKept == 0 ? 1 : kKept], odd_[kKept == 0 ? 1 : kKept];
 };
 
-// dst[x] for `count` elements of a row whose tap i lies over src[x + i * channels].
-template <int channels, Conversion conversion, int size>
-[[gnu::noinline]] void filterByteRow(const ByteTaps<size>& shared, const Kpr8u* src, Kpr8u* dst, Kpr64s count) {
+// The elements of a row that are rounded to nearest; those that read a synthesised pixel are truncated.
+struct Inside {
+    Kpr64s begin, end;
+};
+
+// One call for a row, which looks up the taps once. Every part begins with a whole vector of dst, and whole vectors are
+// stored, so that dst has room for its last one: a vector stored in part would not be at hand when it is read soon.
+template <int channels, int size>
+[[gnu::noinline]] void filterByteRow(const ByteTaps<size>& shared, const RowParts<Kpr8u>& parts, Inside inside,
+                                     Kpr8u* dst) {
     const ByteTaps<size> taps = shared;
-    walkColumns<kLanes<Kpr8u>>(count, [&](auto part, Kpr64s x) {
+    constexpr Kpr64s lanes = kLanes<Kpr8u>;
+    const auto apply = [&](auto part, auto nearest, const Kpr8u* s, Kpr8u* d) __attribute__((always_inline)) {
         if constexpr (channels == 1)
-            taps.template along<conversion>(part, src + x, dst + x);
+            taps.along(part, nearest, s, d, All{});
         else
-            taps.template down<conversion>(
-                part, [&](int i) { return src + x + i * channels; }, dst + x);
-    });
+            taps.down(
+                part, nearest, [&](int i) { return s + i * channels; }, d, All{});
+    };
+    for (const RowPart<Kpr8u>& row : parts) {
+        const Kpr64s first = row.x * channels, count = row.count * channels;
+        Kpr64s x = 0;
+        if (!row.atEdge) {
+            for (; x + lanes <= count; x += lanes) apply(All{}, All{}, row.src + x, dst + first + x);
+        }
+        for (; x < count; x += lanes) {
+            const Kpr64s begin = std::clamp(inside.begin - first - x, Kpr64s{0}, lanes);
+            const Kpr64s end = std::clamp(inside.end - first - x, begin, lanes);
+            const Lanes nearest = {First{end}.bits & ~First{begin}.bits};
+            if (x + lanes <= count)
+                apply(All{}, nearest, row.src + x, dst + first + x);
+            else
+                apply(First{count - x}, nearest, row.src + x, dst + first + x);
+        }
+    }
 }
 
 template <int size>
 [[gnu::noinline]] void filterByteColumn(const ByteTaps<size>& shared, const Kpr8u* const* rows, Kpr8u* dst,
                                         Kpr64s count) {
     const ByteTaps<size> taps = shared;
-    walkColumns<kLanes<Kpr8u>>(count, [&](auto part, Kpr64s x) {
-        taps.template down<Conversion::Nearest>(
-            part, [&](int i) { return rows[i] + x; }, dst + x);
+    walkStretches<kLanes<Kpr8u>, 1>(count, [&]<int>(auto part, Kpr64s x) {
+        taps.down(
+            part, All{}, [&](int i) { return rows[i] + x; }, dst + x, part);
     });
 }
 

@@ -100,9 +100,8 @@ void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Sr
     walkRing(
         rows, radius, Ring<Middle>{ring, Rule::kPlanes * plane, nullptr},
         [&](Kpr64s y, Middle* out) {
-            edged.filter(y, [&](const Src* s, Kpr64s x, Kpr64s count) {
-                filterAcross<Rule>(s + radius, out + x, plane, count);
-            });
+            for (const RowPart<Src>& part : edged.row(y))
+                filterAcross<Rule>(part.src + radius, out + part.x, plane, part.count);
         },
         [&](Middle* out) {  // a row of the constant is filtered like any other
             Src constants[lanes + radius + radius];

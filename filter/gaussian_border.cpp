@@ -45,24 +45,15 @@ struct Memory {
 
 template <int channels, typename T, typename RowTaps, typename ColumnTaps>
 KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& columnTaps) {
-    constexpr auto atBorder = sizeof(T) == 1 ? Conversion::Truncate : Conversion::Nearest;
     const Memory<channels, T> memory(call);
     const int radius = call.kernelSize / 2;
     const Axis rows = rowsOf(call.roi.height, call.border);
-    constexpr int lanes = sizeof(T) == 1 ? 1 : kLanes<T>;  // bytes are truncated in just the columns at the border
-    EdgedRows<T, channels, lanes> edged(call.src, endOf(rows, radius), columnsOf(call.roi.width, call.border), radius,
-                                        radius, call.value, memory.strip);
+    EdgedRows<T, channels, kEdgeLanes<T>> edged(call.src, endOf(rows, radius), columnsOf(call.roi.width, call.border),
+                                                radius, radius, call.value, memory.strip);
     walkRing(
         rows, radius, memory.ring,
         [&](Kpr64s y, Middle<T>* out) {
-            edged.filter(
-                y,
-                [&](const T* s, Kpr64s x, Kpr64s columns) {
-                    filterRow<Conversion::Nearest, channels>(rowTaps, s, out + x * channels, columns * channels);
-                },
-                [&](const T* s, Kpr64s x, Kpr64s columns) {
-                    filterRow<atBorder, channels>(rowTaps, s, out + x * channels, columns * channels);
-                });
+            for (const RowPart<T>& part : edged.row(y)) filterRowPart<channels>(rowTaps, part, out);
         },
         [&](Middle<T>* out) { fillPixels<channels>(out, call.roi.width, call.value); },
         [&](const Middle<T>* const* window, Kpr64s y) {
@@ -71,39 +62,22 @@ KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& 
     return kprStatusOk;
 }
 
-// The ring of bytes takes half of the room that the buffer has for words. A row is filtered to nearest first, and its
-// columns at the border again.
+// The ring of bytes takes half of the room that the buffer has for words.
 template <int channels, int size>
 KprStatus smoothBytes(const Call<Kpr8u>& call, const BytePairs& pairs) {
     const ByteTaps<size> taps(pairs, call.kernelSize);
     const int radius = call.kernelSize / 2;
     const Axis rows = rowsOf(call.roi.height, call.border), columns = columnsOf(call.roi.width, call.border);
-    const Kpr64s width = call.roi.width;
-    const Kpr64s left = columns.lowInMemory ? 0 : std::min<Kpr64s>(radius, width);
-    const Kpr64s right = columns.highInMemory ? width : std::max<Kpr64s>(left, width - radius);
+    const Kpr64s width = Kpr64s{channels} * call.roi.width;
+    const Inside inside = {columns.lowInMemory ? 0 : Kpr64s{radius} * channels,
+                           columns.highInMemory ? width : width - Kpr64s{radius} * channels};
     EdgedRows<Kpr8u, channels, kLanes<Kpr8u>> edged(call.src, endOf(rows, radius), columns, radius, radius, call.value,
                                                     nullptr);
     walkRing(
-        rows, radius, Ring<Kpr8u>{alignedUp<Kpr8u>(call.buffer, 64), channels * width, nullptr},
-        [&](Kpr64s y, Kpr8u* out) {
-            const auto filter = [&]<Conversion conversion>(const Kpr8u* s, Kpr64s x, Kpr64s from, Kpr64s to) {
-                if (from < to)
-                    filterByteRow<channels, conversion>(taps, s + (from - x) * channels, out + from * channels,
-                                                        (to - from) * channels);
-            };
-            edged.filter(
-                y,
-                [&](const Kpr8u* s, Kpr64s x, Kpr64s count) {
-                    filter.template operator()<Conversion::Nearest>(s, x, x, x + count);
-                },
-                [&](const Kpr8u* s, Kpr64s x, Kpr64s count) {
-                    filter.template operator()<Conversion::Nearest>(s, x, x, x + count);
-                    filter.template operator()<Conversion::Truncate>(s, x, x, std::min(left, x + count));
-                    filter.template operator()<Conversion::Truncate>(s, x, std::max(right, x), x + count);
-                });
-        },
-        [&](Kpr8u* out) { fillPixels<channels>(out, width, call.value); },
-        [&](const Kpr8u* const* window, Kpr64s y) { filterByteColumn(taps, window, call.dst[y], channels * width); });
+        rows, radius, Ring<Kpr8u>{alignedUp<Kpr8u>(call.buffer, 64), (width + 63) & ~Kpr64s{63}, nullptr},
+        [&](Kpr64s y, Kpr8u* out) { filterByteRow<channels>(taps, edged.row(y), inside, out); },
+        [&](Kpr8u* out) { fillPixels<channels>(out, call.roi.width, call.value); },
+        [&](const Kpr8u* const* window, Kpr64s y) { filterByteColumn(taps, window, call.dst[y], width); });
     return kprStatusOk;
 }
 

@@ -107,9 +107,9 @@ KprStatus smooth(const Call<T>& call, const Kpr32f* half, int kernelSize) {
     walkRing(
         rows, radius, Ring<Kpr32f>{first, stride, reinterpret_cast<const Kpr32f**>(behind)},
         [&](Kpr64s y, Kpr32f* out) {
-            edged.filter(y, [&](const T* s, Kpr64s x, Kpr64s columns) {
-                filterRow<Conversion::Nearest, channels>(rowTaps, s, out + x * channels, columns * channels);
-            });
+            for (const RowPart<T>& part : edged.row(y))
+                filterRow<Conversion::Nearest, channels>(rowTaps, part.src, out + part.x * channels,
+                                                         part.count * channels);
         },
         [&](Kpr32f* out) { fillPixels<channels>(out, call.roi.width, call.value); },
         [&](const Kpr32f* const* window, Kpr64s y) { filterColumn(columnTaps, window, call.dst[y], width); });

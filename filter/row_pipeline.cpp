@@ -36,23 +36,14 @@ RowCall(const Src*, int, Dst* const*, KprSize, const Tap*, int, int, KprBorderTy
 
 template <int channels, typename Src, typename Dst, typename Tap>
 KprStatus filterRows(const RowCall<Src, Dst, Tap>& call) {
-    constexpr int lanes = sizeof(Src) == 1 ? 1 : kLanes<Src>;  // bytes are truncated in just the columns at the border
-    EdgedRows<Src, channels, lanes> edged(
+    EdgedRows<Src, channels, kEdgeLanes<Src>> edged(
         {call.src, call.srcStep}, call.roi.height, columnsOf(call.roi.width, call.border), call.xAnchor,
         call.kernelSize - 1 - call.xAnchor, call.borderValue, alignedUp<Src>(call.buffer, 32));
     withSize(call.kernelSize, [&]<int size>() {
         const auto taps = tapsOf<Src, size>(call.kernel, call.kernelSize, call.divisor);
-        constexpr auto atBorder = sizeof(Src) == 1 ? Conversion::Truncate : Conversion::Nearest;
         for (Kpr64s y = 0; y < call.roi.height; ++y) {
             Dst* const dst = call.dst[y];
-            edged.filter(
-                y,
-                [&](const Src* s, Kpr64s x, Kpr64s columns) {
-                    filterRow<Conversion::Nearest, channels>(taps, s, dst + x * channels, columns * channels);
-                },
-                [&](const Src* s, Kpr64s x, Kpr64s columns) {
-                    filterRow<atBorder, channels>(taps, s, dst + x * channels, columns * channels);
-                });
+            for (const RowPart<Src>& part : edged.row(y)) filterRowPart<channels>(taps, part, dst);
         }
     });
     return kprStatusOk;

@@ -8,7 +8,7 @@
 
 #include <utility>
 
-#include "primitives/rows.h"
+#include "filter/border_rule.h"
 
 namespace n0 {
 
@@ -202,6 +202,20 @@ template <Conversion conversion, int spacing, typename Taps, typename Dst>
             part, [&](int i) { return src + x + i * spacing; }, dst + x);
     });
 }
+
+// The same for a part of a row. Bytes are truncated in the columns at the border, and their edges hold just these.
+template <int channels, typename Taps, typename Src, typename Dst>
+KPR_INLINE void filterRowPart(const Taps& taps, const RowPart<Src>& part, Dst* row) {
+    Dst* const dst = row + part.x * channels;
+    if (sizeof(Src) == 1 && part.atEdge)
+        filterRow<Conversion::Truncate, channels>(taps, part.src, dst, part.count * channels);
+    else
+        filterRow<Conversion::Nearest, channels>(taps, part.src, dst, part.count * channels);
+}
+
+// The columns of a strip for it.
+template <typename Src>
+inline constexpr int kEdgeLanes = sizeof(Src) == 1 ? 1 : kLanes<Src>;
 
 // dst[x] for `count` elements, tap i over rows[i][x].
 template <typename Taps, typename Dst>

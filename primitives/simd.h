@@ -498,6 +498,9 @@ KPR_INLINE Mask<Kpr32f> signs(Vec<Kpr32f> v) { return _mm512_movepi32_mask(bits(
 // As many of the set bits of `where`, from the lowest on, as `bits` says one by one.
 KPR_INLINE Bits64 scatterBits(Bits64 bits, Bits64 where) { return _pdep_u64(bits, where); }
 
+// The bits of v at the places of `where`, from the lowest on.
+KPR_INLINE Bits64 gatherBits(Bits64 v, Bits64 where) { return _pext_u64(v, where); }
+
 // A lane of T for each byte of `src`, set where the byte is not zero.
 template <typename T, typename Part>
 KPR_INLINE Mask<T> loadMask(const Kpr8u* src, Part part) {
