@@ -105,16 +105,11 @@ class ByteTaps {
     template <typename Part, typename Nearest>
     KPR_INLINE void along(Part part, Nearest nearest, const Kpr8u* src, Kpr8u* dst, auto stored) const {
         Digits even, odd;
-        repeat<(size + 1) / 2>(
-            pairs(), [&](int i) __attribute__((always_inline)) {
-                const Vec<Kpr8u> pixels =
-                    i + 1 < pairs() ? loadOnce(src + 2 * i, oneMore(part)) : loadOnce(src + 2 * i, part);
+        eachPair(
+            even, odd, [&](int i, bool last) __attribute__((always_inline)) {
+                const Vec<Kpr8u> pixels = last ? loadOnce(src + 2 * i, part) : loadOnce(src + 2 * i, oneMore(part));
                 add(even, pixels, evenPair(i));
                 add(odd, pixels, oddPair(i));
-                if (size == 0 && i % BytePairs::kFlush == BytePairs::kFlush - 1) {
-                    even.flush();
-                    odd.flush();
-                }
             });
         Vec<Kpr16u> lower, upper;
         divide(even, odd, halfOf(nearest, 0x5555555555555555), halfOf(nearest, 0xaaaaaaaaaaaaaaaa), lower, upper);
@@ -125,16 +120,13 @@ class ByteTaps {
     template <typename Part, typename Nearest, typename At>
     KPR_INLINE void down(Part part, Nearest nearest, At at, Kpr8u* dst, auto stored) const {
         Digits lower, upper;
-        repeat<(size + 1) / 2>(
-            pairs(), [&](int i) __attribute__((always_inline)) {
-                const Vec<Kpr8u> a = load(at(2 * i), part);
-                const Vec<Kpr8u> b = i + 1 < pairs() ? load(at(2 * i + 1), part) : a;
-                add(lower, interleaveLower(a, b), evenPair(i));
-                add(upper, interleaveUpper(a, b), evenPair(i));
-                if (size == 0 && i % BytePairs::kFlush == BytePairs::kFlush - 1) {
-                    lower.flush();
-                    upper.flush();
-                }
+        eachPair(
+            lower, upper, [&](int i, bool last) __attribute__((always_inline)) {
+                const Vec<Kpr8u> first = loadOnce(at(2 * i), part);
+                const Vec<Kpr8u> second = last ? first : loadOnce(at(2 * i + 1), part);
+                const Weights weights = evenPair(i);
+                add(lower, interleaveLower(first, second), weights);
+                add(upper, interleaveUpper(first, second), weights);
             });
         Vec<Kpr16u> a, b;
         divide(lower, upper, halfOf(nearest, 0x00ff00ff00ff00ff), halfOf(nearest, 0xff00ff00ff00ff00), a, b);
@@ -150,7 +142,22 @@ class ByteTaps {
         return keep<Kpr16u>(static_cast<Mask<Kpr16u>>(gatherBits(nearest.bits, pixels)), broadcast<Kpr16u>(64));
     }
 
-    [[nodiscard]] KPR_INLINE constexpr int pairs() const { return size == 0 ? (kernelSize_ + 1) / 2 : kKept; }
+    // step(i, last) for each pair of taps.
+    template <typename Step>
+    KPR_INLINE void eachPair(Digits& a, Digits& b, Step step) const {
+        if constexpr (size > 0) {
+            takeTurns<kKept - 1>([&](auto i) __attribute__((always_inline)) { step(i, false); });
+            step(kKept - 1, true);
+        } else {
+            const int last = kernelSize_ / 2;
+            for (int i = 0; i < last;) {
+                for (const int end = std::min(i + BytePairs::kFlush, last); i < end; ++i) step(i, false);
+                a.flush();
+                b.flush();
+            }
+            step(last, true);
+        }
+    }
     struct Weights {
         Vec<Kpr8s> high, low;
     };
@@ -168,6 +175,52 @@ class ByteTaps {
     Weights even_[kKept == 0 ? 1 : kKept], odd_[kKept == 0 ? 1 : kKept];
 };
 
+// Three taps k, 4096 - 2k, k: with x = a + c - 2b the result is b + k * x / 4096, one product in 16 bits. It rounds
+// half up; but a tie asks for a multiple of 2048 among k * x, which |x| below 512 does not give if k is no multiple
+// of 8.
+class CentredTaps {
+  public:
+    static bool serves(const Kpr16s* kernel, int kernelSize, int divisor) {
+        return divisor == 4096 && kernelSize == 3 && kernel[0] > 0 && kernel[0] < 2048 && kernel[0] % 8 != 0 &&
+               kernel[2] == kernel[0] && kernel[1] + 2 * kernel[0] == 4096;
+    }
+
+    explicit CentredTaps(Kpr16s outer)
+        : nearest_(broadcast(static_cast<Kpr16s>(outer * 8))), truncated_(broadcast(static_cast<Kpr16s>(outer * 16))) {}
+
+    template <typename Part, typename Nearest>
+    KPR_INLINE void along(Part part, Nearest nearest, const Kpr8u* src, Kpr8u* dst, auto stored) const {
+        down(
+            part, nearest, [&](int i) { return src + i; }, dst, stored);
+    }
+
+    template <typename Part, typename Nearest, typename At>
+    KPR_INLINE void down(Part part, Nearest nearest, At at, Kpr8u* dst, auto stored) const {
+        const Vec<Kpr8u> a = loadOnce(at(0), part), b = loadOnce(at(1), part), c = loadOnce(at(2), part);
+        const Vec<Kpr8u> none = zero<Kpr8u>();
+        const Vec<Kpr16s> lower =
+            between(interleaveLower(a, c), as<Kpr16s>(interleaveLower(b, none)), nearest, 0x00ff00ff00ff00ff);
+        const Vec<Kpr16s> upper =
+            between(interleaveUpper(a, c), as<Kpr16s>(interleaveUpper(b, none)), nearest, 0xff00ff00ff00ff00);
+        store(dst, join(as<Kpr16u>(lower), as<Kpr16u>(upper)), stored);
+    }
+
+  private:
+    KPR_INLINE Vec<Kpr16s> between(Vec<Kpr8u> beside, Vec<Kpr16s> b, All, Bits64) const {
+        return b + mulRounded(difference(beside, b), nearest_);
+    }
+    KPR_INLINE Vec<Kpr16s> between(Vec<Kpr8u> beside, Vec<Kpr16s> b, Lanes nearest, Bits64 pixels) const {
+        const Vec<Kpr16s> x = difference(beside, b);
+        const auto lanes = static_cast<Mask<Kpr16s>>(gatherBits(nearest.bits, pixels));
+        return b + select<Kpr16s>(lanes, mulRounded(x, nearest_), mulHigh(x, truncated_));
+    }
+    KPR_INLINE static Vec<Kpr16s> difference(Vec<Kpr8u> beside, Vec<Kpr16s> b) {
+        return sumPairs(beside, broadcast<Kpr8s>(1)) - (b + b);
+    }
+
+    Vec<Kpr16s> nearest_, truncated_;
+};
+
 // The elements of a row that are rounded to nearest; those that read a synthesised pixel are truncated.
 struct Inside {
     Kpr64s begin, end;
@@ -175,10 +228,9 @@ struct Inside {
 
 // One call for a row, which looks up the taps once. Every part begins with a whole vector of dst, and whole vectors are
 // stored, so that dst has room for its last one: a vector stored in part would not be at hand when it is read soon.
-template <int channels, int size>
-[[gnu::noinline]] void filterByteRow(const ByteTaps<size>& shared, const RowParts<Kpr8u>& parts, Inside inside,
-                                     Kpr8u* dst) {
-    const ByteTaps<size> taps = shared;
+template <int channels, typename Taps>
+[[gnu::noinline]] void filterByteRow(const Taps& shared, const RowParts<Kpr8u>& parts, Inside inside, Kpr8u* dst) {
+    const Taps taps = shared;
     constexpr Kpr64s lanes = kLanes<Kpr8u>;
     const auto apply = [&](auto part, auto nearest, const Kpr8u* s, Kpr8u* d) __attribute__((always_inline)) {
         if constexpr (channels == 1)
@@ -205,10 +257,9 @@ template <int channels, int size>
     }
 }
 
-template <int size>
-[[gnu::noinline]] void filterByteColumn(const ByteTaps<size>& shared, const Kpr8u* const* rows, Kpr8u* dst,
-                                        Kpr64s count) {
-    const ByteTaps<size> taps = shared;
+template <typename Taps>
+[[gnu::noinline]] void filterByteColumn(const Taps& shared, const Kpr8u* const* rows, Kpr8u* dst, Kpr64s count) {
+    const Taps taps = shared;
     walkStretches<kLanes<Kpr8u>, 1>(count, [&]<int>(auto part, Kpr64s x) {
         taps.down(
             part, All{}, [&](int i) { return rows[i] + x; }, dst + x, part);

@@ -63,9 +63,8 @@ KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& 
 }
 
 // The ring of bytes takes half of the room that the buffer has for words.
-template <int channels, int size>
-KprStatus smoothBytes(const Call<Kpr8u>& call, const BytePairs& pairs) {
-    const ByteTaps<size> taps(pairs, call.kernelSize);
+template <int channels, typename Taps>
+KprStatus smoothBytes(const Call<Kpr8u>& call, const Taps& taps) {
     const int radius = call.kernelSize / 2;
     const Axis rows = rowsOf(call.roi.height, call.border), columns = columnsOf(call.roi.width, call.border);
     const Kpr64s width = Kpr64s{channels} * call.roi.width;
@@ -86,7 +85,10 @@ KprStatus smoothIntegers(const Call<T>& call, const Kpr16s* kernel, int divisor)
     return withSize(call.kernelSize, [&]<int size>() {
         if constexpr (sizeof(T) == 1) {
             BytePairs pairs;
-            if (pairs.make(kernel, call.kernelSize, divisor)) return smoothBytes<channels, size>(call, pairs);
+            if (size == 3 && CentredTaps::serves(kernel, call.kernelSize, divisor))
+                return smoothBytes<channels>(call, CentredTaps(kernel[0]));
+            if (pairs.make(kernel, call.kernelSize, divisor))
+                return smoothBytes<channels>(call, ByteTaps<size>(pairs, call.kernelSize));
         }
         // 16-bit blocks have a divisor of 32768.
         constexpr bool shrinks = sizeof(T) > 1;

@@ -24,7 +24,7 @@ KPR_INLINE void repeat(int count, Body body) {
 }
 
 // So many vectors are worked on at once: a long kernel looks up a tap once for all.
-inline constexpr int kGroup = 4;
+inline constexpr int kGroup = 8;
 
 // Calls `run.template operator()<size>()` with the kernel sizes that have code of their own, and 0 for all others.
 template <typename Run>

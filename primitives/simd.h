@@ -350,9 +350,17 @@ KPR_INLINE Vec<Kpr16s> sumPairs(Vec<Kpr8u> a, Vec<Kpr8s> b) {
     return vec<Kpr16s>(_mm512_maddubs_epi16(bits(a), bits(b)));
 }
 
-// The upper 16 bits of the unsigned product.
+// The upper 16 bits of the product.
 KPR_INLINE Vec<Kpr16u> mulHigh(Vec<Kpr16u> a, Vec<Kpr16u> b) {
     return vec<Kpr16u>(_mm512_mulhi_epu16(bits(a), bits(b)));
+}
+KPR_INLINE Vec<Kpr16s> mulHigh(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr16s>(_mm512_mulhi_epi16(bits(a), bits(b)));
+}
+
+// a * b / 2^15 to nearest, ties up.
+KPR_INLINE Vec<Kpr16s> mulRounded(Vec<Kpr16s> a, Vec<Kpr16s> b) {
+    return vec<Kpr16s>(_mm512_mulhrs_epi16(bits(a), bits(b)));
 }
 
 // The lanes of a and b in turn: of the lower or upper half of each block of 16 bytes.
