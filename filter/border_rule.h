@@ -93,11 +93,11 @@ class EdgedRows {
     RowParts<T> row(Kpr64s y) {
         T* strips = strip_;
         if (held_ == 0) {
-            fill(y, strips);
+            fill(y, 1, strips);
         } else {
             if (y < first_ || y >= first_ + held_) {
                 first_ = y;
-                for (Kpr64s i = 0; i < held_ && y + i < end_; ++i) fill(y + i, own_ + i * stride_);
+                fill(y, std::min(held_, end_ - y), own_);
             }
             strips = own_ + (y - first_) * stride_;
         }
@@ -125,23 +125,30 @@ class EdgedRows {
 
     T* rightOf(T* left) const { return left_ > 0 ? left + (left_ + before_ + after_) * channels : left; }
 
-    void fill(Kpr64s y, T* strips) const {
-        if (left_ > 0) extend(src_[y], -before_, left_ + after_, strips);
-        if (axis_.size > right_) extend(src_[y], right_ - before_, axis_.size + after_, rightOf(strips));
+    // The strips of `count` rows.
+    [[gnu::noinline]] void fill(Kpr64s y, Kpr64s count, T* strips) const {
+        if (left_ > 0) extend(y, count, -before_, left_ + after_, strips);
+        if (axis_.size > right_) extend(y, count, right_ - before_, axis_.size + after_, rightOf(strips));
     }
 
-    // Pixels `first` to `last - 1` of the extended row.
-    void extend(const T* row, Kpr64s first, Kpr64s last, T* out) const {
+    // Pixels `first` to `last - 1` of extended rows.
+    void extend(Kpr64s y, Kpr64s count, Kpr64s first, Kpr64s last, T* out) const {
         const auto make = [&](Kpr64s x) {
             const Kpr64s from = axis_(x);
-            const T* pixel = from == kConstant ? value_ : row + from * channels;
-            for (int c = 0; c < channels; ++c) out[(x - first) * channels + c] = pixel[c];
+            for (Kpr64s i = 0; i < count; ++i) {
+                const T* pixel = from == kConstant ? value_ : src_[y + i] + from * channels;
+                T* to = out + i * stride_ + (x - first) * channels;
+                for (int c = 0; c < channels; ++c) to[c] = pixel[c];
+            }
         };
         const Kpr64s begin = axis_.lowInMemory ? first : std::max<Kpr64s>(first, 0);
         const Kpr64s end = axis_.highInMemory ? last : std::min(last, axis_.size);
         for (Kpr64s x = first; x < begin; ++x) make(x);
-        walkRow<kLanes<T>>((end - begin) * channels, [](auto part, T* o, const T* s) { store(o, load(s, part), part); },
-                           out + (begin - first) * channels, row + begin * channels);
+        walkStretches<kLanes<T>, 1>((end - begin) * channels, [&]<int>(auto part, Kpr64s x) {
+            for (Kpr64s i = 0; i < count; ++i)
+                store(out + i * stride_ + (begin - first) * channels + x,
+                      load(src_[y + i] + begin * channels + x, part), part);
+        });
         for (Kpr64s x = end; x < last; ++x) make(x);
     }
 

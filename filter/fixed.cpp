@@ -24,13 +24,47 @@ struct Average : Separable<T, Ones, Ones> {
     template <typename Part, typename At, typename Dst>
     KPR_INLINE static void down(Part part, At at, Dst* dst) {
         const Vec<T> s = Ones::template sum<T>([=](int i) { return load(at(i, 0), part); });
-        constexpr bool small = Ones::kRadius == 1;
-        if constexpr (std::is_same_v<T, Kpr32f>) {
-            store(dst, s * broadcast(small ? 1.0F / 9.0F : 1.0F / 25.0F), part);
+        store(dst, s * broadcast(Ones::kRadius == 1 ? 1.0F / 9.0F : 1.0F / 25.0F), part);
+    }
+};
+
+// Bytes go by 64 columns: sums of the even ones, then of the odd ones, each of which takes a pair of neighbours at
+// once. Whole vectors of sums are stored, also of a row's last columns.
+template <typename Ones>
+struct Average<Kpr16s, Ones> {
+    using Middle = Kpr16s;
+    static constexpr int kStep = kLanes<Kpr8u>;
+    static constexpr int kRadius = Ones::kRadius;
+    static constexpr int kPlanes = 1;
+
+    template <typename Part>
+    KPR_INLINE static void across(Part part, const Kpr8u* s, Kpr16s* out, Kpr64s) {
+        const auto pairs = [](Vec<Kpr8u> v) { return sumPairs(v, broadcast<Kpr8s>(1)); };
+        const auto even = [](Vec<Kpr8u> v) { return as<Kpr16s>(v) & broadcast<Kpr16s>(0xff); };
+        const auto odd = [](Vec<Kpr8u> v) { return as<Kpr16s>(shiftRight<8>(as<Kpr16u>(v))); };
+        const Vec<Kpr16s> here = pairs(loadOnce(s, oneMore(part)));
+        Vec<Kpr16s> evens, odds;
+        if constexpr (kRadius == 1) {
+            evens = even(load(s - 1, part)) + here;
+            odds = here + odd(load(s + 1, part));
         } else {
-            const Vec<Kpr16u> sum = as<Kpr16u>(small ? s + broadcast<T>(5) : s);
-            storeAs(dst, as<T>(mulHigh(sum, broadcast<Kpr16u>(small ? 7280 : 2621))), part);
+            const Vec<Kpr8u> before = loadOnce(s - 2, oneMore(part)), after = loadOnce(s + 2, part);
+            evens = pairs(before) + here + even(after);
+            odds = odd(before) + here + pairs(after);
         }
+        store(out, evens, All{});
+        store(out + kLanes<Kpr16s>, odds, All{});
+    }
+
+    template <typename Part, typename At>
+    KPR_INLINE static void down(Part part, At at, Kpr8u* dst) {
+        const auto average = [&](int plane) {
+            const Vec<Kpr16s> s =
+                Ones::template sum<Kpr16s>([=](int i) { return load(at(i, 0) + plane * kLanes<Kpr16s>, All{}); });
+            const Vec<Kpr16s> sum = kRadius == 1 ? s + broadcast<Kpr16s>(5) : s;
+            return mulHigh(as<Kpr16u>(sum), broadcast<Kpr16u>(kRadius == 1 ? 7280 : 2621));
+        };
+        store(dst, as<Kpr8u>(average(0) | shiftLeft<8>(average(1))), part);
     }
 };
 template <typename T>
@@ -42,6 +76,7 @@ using Average5 = Average<T, Ones5>;
 template <typename T>
 struct Laplacian3 {
     using Middle = T;
+    static constexpr int kStep = kLanes<T>;
     static constexpr int kRadius = 1;
     static constexpr int kPlanes = 2;
 
@@ -61,6 +96,7 @@ struct Laplacian3 {
 template <typename T>
 struct Laplacian5 {
     using Middle = T;
+    static constexpr int kStep = kLanes<T>;
     static constexpr int kRadius = 2;
     static constexpr int kPlanes = 3;
 
@@ -129,7 +165,7 @@ KprStatus filterMask(const Src* src, int srcStep, Dst* dst, int dstStep, KprSize
     const auto filter = [&]<typename Rule>() {
         filterFixed<Rule>(columnsOf(roi.width, border), rowsOf(roi.height, border), Rows<const Src>{src, srcStep},
                           Rows<Dst>{dst, dstStep}, value, alignedUp<Middle>(buffer, 64),
-                          Kpr64s{padded(static_cast<Bytes32>(roi.width), 16)});
+                          Kpr64s{padded(static_cast<Bytes32>(roi.width), std::max(16, Rule::kStep))});
         return kprStatusOk;
     };
     if (mask == kprMaskSize3x3) return filter.template operator()<Rule3<Middle>>();
