@@ -80,14 +80,16 @@ bool isSmall(Taps taps, Window w, Reaches& reaches) {
 Feature featureOf(Taps taps) {
     Kpr64s left = taps.width, right = -1, top = taps.height, bottom = -1, count = 0;
     for (Kpr64s y = 0; y < taps.height; ++y) {
-        for (Kpr64s x = 0; x < taps.width; ++x) {
-            if (!taps.at(x, y)) continue;
-            left = std::min(left, x);
-            right = std::max(right, x);
-            top = std::min(top, y);
-            bottom = y;
-            ++count;
-        }
+        Kpr64s first = 0, last = taps.width - 1, inRow = 0;
+        for (Kpr64s x = 0; x < taps.width; ++x) inRow += taps.at(x, y) ? 1 : 0;
+        if (inRow == 0) continue;
+        while (!taps.at(first, y)) ++first;
+        while (!taps.at(last, y)) --last;
+        left = std::min(left, first);
+        right = std::max(right, last);
+        top = std::min(top, y);
+        bottom = y;
+        count += inRow;
     }
     const bool single = taps.width == 1 && taps.height == 1;
     if (count == 0 || single) return {Feature::Copy, {}, {}};
