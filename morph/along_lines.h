@@ -12,24 +12,30 @@ inline constexpr Kpr64s kLinesBytes = 32768;
 // Vectors go through all doublings in registers, each doubling one vector behind the one before it.
 template <typename Rule, int channels, int doublings, typename T>
 void growInRegisters(T* line, Kpr64s length) {
-    constexpr Kpr64s lanes = kLanes<T>, behind = doublings * lanes;
-    Vec<T> before[doublings] = {};
+    // A shift that is no multiple of 4 bytes takes two steps; for the first doubling a second load is cheaper.
+    constexpr int pixel = channels * int{sizeof(T)}, loaded = pixel % 4 == 0 ? 0 : 1, shifted = doublings - loaded;
+    constexpr Kpr64s lanes = kLanes<T>, behind = shifted * lanes;
+    Vec<T> before[shifted + 1] = {};
     const auto pass = [&](Vec<T> v) __attribute__((always_inline)) {
-        takeTurns<doublings>([&](auto turn) __attribute__((always_inline)) {
+        takeTurns<shifted>([&](auto turn) __attribute__((always_inline)) {
             const Vec<T> held = before[turn];
             before[turn] = v;
-            v = Rule::join(held, ahead<(channels * int{sizeof(T)} << turn)>(held, v));
+            v = Rule::join(held, ahead<(pixel << (turn + loaded))>(held, v));
         });
         return v;
     };
     const auto upTo = [=](Kpr64s x) { return First{std::clamp(length - x, Kpr64s{0}, lanes)}; };
+    const auto passLast = [&](Kpr64s x) __attribute__((always_inline)) {
+        const auto at = [&](Kpr64s i) { return load(line + std::min(i, length), upTo(i)); };
+        return pass(loaded == 0 ? at(x) : Rule::join(at(x), at(x + channels)));
+    };
     Kpr64s x = 0;
-    for (; x < behind; x += lanes) pass(load(line + std::min(x, length), upTo(x)));
-    for (; x + lanes <= length; x += lanes) store(line + x - behind, pass(load(line + x, All{})), All{});
-    for (; x < length + behind; x += lanes) {
-        const Vec<T> v = pass(load(line + std::min(x, length), upTo(x)));
-        store(line + x - behind, v, upTo(x - behind));
+    for (; x < behind; x += lanes) passLast(x);
+    for (; x + lanes + loaded * channels <= length; x += lanes) {
+        const Vec<T> v = load(line + x, All{});
+        store(line + x - behind, pass(loaded == 0 ? v : Rule::join(v, load(line + x + channels, All{}))), All{});
     }
+    for (; x < length + behind; x += lanes) store(line + x - behind, passLast(x), upTo(x - behind));
 }
 
 // Lets n lines grow to the largest power of two that is not above `columns`, as far as registers serve, and returns
