@@ -14,6 +14,7 @@ template <typename Rule, int channels, int doublings, typename T>
 void growInRegisters(T* line, Kpr64s length) {
     // A shift that is no multiple of 4 bytes takes two steps; for the first doubling a second load is cheaper.
     constexpr int pixel = channels * int{sizeof(T)}, loaded = pixel % 4 == 0 ? 0 : 1, shifted = doublings - loaded;
+    constexpr Kpr64s second = loaded == 0 ? 0 : channels;
     constexpr Kpr64s lanes = kLanes<T>, behind = shifted * lanes;
     Vec<T> before[shifted + 1] = {};
     const auto pass = [&](Vec<T> v) __attribute__((always_inline)) {
@@ -31,9 +32,9 @@ void growInRegisters(T* line, Kpr64s length) {
     };
     Kpr64s x = 0;
     for (; x < behind; x += lanes) passLast(x);
-    for (; x + lanes + loaded * channels <= length; x += lanes) {
+    for (; x + lanes + second <= length; x += lanes) {
         const Vec<T> v = load(line + x, All{});
-        store(line + x - behind, pass(loaded == 0 ? v : Rule::join(v, load(line + x + channels, All{}))), All{});
+        store(line + x - behind, pass(loaded == 0 ? v : Rule::join(v, load(line + x + second, All{}))), All{});
     }
     for (; x < length + behind; x += lanes) store(line + x - behind, passLast(x), upTo(x - behind));
 }
