@@ -13,6 +13,9 @@ KprStatus extremum(const Job<T>& job, Taps taps, Rows<const T> other) {
     const Feature feature = featureOf(taps);
     if (feature.plan == Feature::Copy || (feature.plan == Feature::Rectangle && rectangleServes(job, feature.window))) {
         rectangle<Rule, Put>(job, feature.window, other);
+    } else if (feature.plan == Feature::Small && !job.inPlace()) {
+        if (feature.window.left == 1) smallMask<Rule, Put, 1, false>(job, feature.reaches, other);
+        if (feature.window.left == 2) smallMask<Rule, Put, 2, false>(job, feature.reaches, other);
     } else {
         TapWalk<Rule, Put, T>(job, feature.window, taps, other).run();
     }

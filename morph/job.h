@@ -113,19 +113,26 @@ struct LessOtherSigned {  // v - other
     }
 };
 
+// What lines may need beside their own bytes to be aligned.
+inline constexpr Kpr64s kLinesSlack = 190;
+
 // Lines of `length` elements in a workspace. Where there is room for it, element `lead` of each lies at a multiple of
 // 64 bytes.
 template <typename T>
 struct Lines {
     T* first;
     Kpr64s stride;
+    Kpr64s before = 0;  // elements of the workspace in front of the first line, in the same 64 bytes as its first
 
+    explicit Lines(T* line) : first(line), stride(0) {}
     Lines(Workspace work, Kpr64s count, Kpr64s length, Kpr64s lead)
         : first(reinterpret_cast<T*>(upTo(work.first, sizeof(T)))), stride(length) {
         constexpr Kpr64s lanes = kLanes<T>;
         const Kpr64s even = (length + lanes - 1) / lanes * lanes;
-        if (count * even * Kpr64s{sizeof(T)} + 126 > work.bytes) return;
-        first = reinterpret_cast<T*>(upTo(reinterpret_cast<char*>(first + lead), 64)) - lead;
+        const Kpr64s left = work.bytes - count * even * Kpr64s{sizeof(T)} - 126;
+        if (left < 0) return;
+        if (left >= 64) before = -lead & (lanes - 1);
+        first = reinterpret_cast<T*>(upTo(reinterpret_cast<char*>(first + before + lead), 64)) - lead;
         stride = even;
     }
     KPR_INLINE T* operator[](Kpr64s i) const { return first + i * stride; }
@@ -140,19 +147,21 @@ struct Lines {
 template <typename T>
 class Pattern {
   public:
-    Pattern(const T* values, int channels) : channels_(channels) {
+    Pattern(const T* values, int channels) : channels_(channels), period_(kLanes<T> - kLanes<T> % channels) {
         for (int i = 0; i < kLanes<T> + 4; ++i) elements_[i] = values[i % channels];
     }
-    [[nodiscard]] KPR_INLINE Vec<T> from(Kpr64s element) const { return load(elements_ + element % channels_, All{}); }
+    [[nodiscard]] KPR_INLINE Vec<T> from(Kpr64s element) const { return fromChannel(element % channels_); }
+    [[nodiscard]] KPR_INLINE Vec<T> fromChannel(Kpr64s channel) const { return load(elements_ + channel, All{}); }
 
     void write(T* dst, Kpr64s count) const {
-        const Kpr64s step = kLanes<T> - kLanes<T> % channels_;
-        for (Kpr64s i = 0; i < count; i += step) store(dst + i, from(0), First{std::min(step, count - i)});
+        for (Kpr64s i = 0; i < count; i += period_) store(dst + i, fromChannel(0), First{std::min(period_, count - i)});
     }
+    [[nodiscard]] KPR_INLINE Kpr64s period() const { return period_; }  // elements of the whole pixels in a vector
 
   private:
     T elements_[kLanes<T> + 4];
     int channels_;
+    Kpr64s period_;
 };
 
 }  // namespace n0

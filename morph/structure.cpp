@@ -55,26 +55,53 @@ template void fillState<Kpr64s>(void*, const Kpr8u*, Kpr64s, Kpr64s, Orientation
 template Taps tapsOf<Kpr32s>(const void*);
 template Taps tapsOf<Kpr64s>(const void*);
 
+namespace {
+
+// Whether a mask's window is 3x3 or 5x5 and its rows are as told of Reaches, which it then fills.
+bool isSmall(Taps taps, Window w, Reaches& reaches) {
+    const Kpr64s reach = w.left;
+    if (reach < 1 || reach > 2 || w.right != reach || w.top != reach || w.bottom != reach) return false;
+    for (Kpr64s dy = -reach; dy <= reach; ++dy) {
+        Kpr64s run = -1, count = 0;
+        for (Kpr64s dx = -reach; dx <= reach; ++dx) count += taps.at(taps.reachX() + dx, taps.reachY() + dy) ? 1 : 0;
+        while (run < reach && taps.at(taps.reachX() - run - 1, taps.reachY() + dy) &&
+               taps.at(taps.reachX() + run + 1, taps.reachY() + dy)) {
+            ++run;
+        }
+        if (count != 2 * run + 1 + (run < 0 ? 1 : 0)) return false;
+        if (dy > 0 && (reaches.of[dy] != run || run > reaches.of[dy - 1])) return false;
+        reaches.of[dy < 0 ? -dy : dy] = run;
+    }
+    return reaches.of[0] == reach;
+}
+
+}  // namespace
+
 Feature featureOf(Taps taps) {
     Kpr64s left = taps.width, right = -1, top = taps.height, bottom = -1, count = 0;
     for (Kpr64s y = 0; y < taps.height; ++y) {
-        for (Kpr64s x = 0; x < taps.width; ++x) {
-            if (!taps.at(x, y)) continue;
-            left = std::min(left, x);
-            right = std::max(right, x);
-            top = std::min(top, y);
-            bottom = y;
-            ++count;
-        }
+        Kpr64s first = 0, last = taps.width - 1, inRow = 0;
+        for (Kpr64s x = 0; x < taps.width; ++x) inRow += taps.at(x, y) ? 1 : 0;
+        if (inRow == 0) continue;
+        while (!taps.at(first, y)) ++first;
+        while (!taps.at(last, y)) --last;
+        left = std::min(left, first);
+        right = std::max(right, last);
+        top = std::min(top, y);
+        bottom = y;
+        count += inRow;
     }
     const bool single = taps.width == 1 && taps.height == 1;
-    if (count == 0 || single) return {Feature::Copy, {}};
+    if (count == 0 || single) return {Feature::Copy, {}, {}};
     const Kpr64s x = taps.reachX(), y = taps.reachY();
     const bool holdsPixel = left <= x && x <= right && top <= y && y <= bottom;
     const bool full = count == (right - left + 1) * (bottom - top + 1);
     const Window window = {std::max(x - left, Kpr64s{0}), std::max(right - x, Kpr64s{0}), std::max(y - top, Kpr64s{0}),
                            std::max(bottom - y, Kpr64s{0})};
-    return {full && holdsPixel ? Feature::Rectangle : Feature::Walk, window};
+    if (full && holdsPixel) return {Feature::Rectangle, window, {}};
+    Reaches reaches = {};
+    if (isSmall(taps, window, reaches)) return {Feature::Small, window, reaches};
+    return {Feature::Walk, window, {}};
 }
 
 Bytes stateSize(Extents e) {

@@ -29,10 +29,18 @@ struct Window {
     [[nodiscard]] Kpr64s rows() const { return top + bottom + 1; }
 };
 
+// Of a small mask whose rows are runs around the pixel's column: how far those of the rows at distance 0, 1 and 2,
+// above and below, reach to either side; -1 for a row without taps. No run reaches farther than one nearer to the
+// pixel.
+struct Reaches {
+    Kpr64s of[3];
+};
+
 // What a mask asks for.
 struct Feature {
-    enum Plan { Copy, Rectangle, Walk } plan;
-    Window window;  // the smallest that holds the pixel and all taps
+    enum Plan { Copy, Rectangle, Small, Walk } plan;
+    Window window;    // the smallest that holds the pixel and all taps
+    Reaches reaches;  // of a small mask
 };
 Feature featureOf(Taps taps);
 

@@ -150,7 +150,7 @@ class TapWalk {
         walkRow<kLanes<T>>(
             length_, [](auto part, T* l, const T* s) { store(l, load(s, part), part); }, to, from);
         const Kpr64s count = length_ - (span_ - 1) * job_.channels;
-        alongLine<Rule>(to, length_, span_, job_.channels, [&]<int taps>(Kpr64s step, Kpr64s last) {
+        alongLines<Rule>(Lines<T>(to), 1, length_, 1, span_, job_.channels, [&]<int taps>(Kpr64s step, Kpr64s last) {
             walkRow<kLanes<T>>(
                 count, [=](auto part, T* l) { store(l, joinTaps<Rule, taps>(l, step, last, part), part); }, to);
         });

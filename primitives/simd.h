@@ -204,6 +204,20 @@ KPR_INLINE Vec<T> rotate(Vec<T> v) {
     if constexpr (bytes < 16) return vec<T>(_mm512_alignr_epi8(bits(v), bits(v), bytes));
 }
 
+// The vector that begins `bytes` after the start of `v`, at most 64, where `next` follows v.
+template <int bytes, typename T>
+KPR_INLINE Vec<T> ahead(Vec<T> v, Vec<T> next) {
+    constexpr int whole = bytes / 16 * 4, rest = bytes % 16;  // in 32-bit lanes, in bytes
+    if constexpr (bytes == 0) return v;
+    if constexpr (bytes % 4 == 0 && bytes > 0 && bytes < 64)
+        return vec<T>(_mm512_alignr_epi32(bits(next), bits(v), bytes / 4));
+    if constexpr (bytes == 64) return next;
+    if constexpr (bytes % 4 != 0) {
+        const Vec<T> lower = ahead<whole * 4>(v, next), upper = ahead<whole * 4 + 16>(v, next);
+        return vec<T>(_mm512_alignr_epi8(bits(upper), bits(lower), rest));
+    }
+}
+
 // choose(a, b) over all lanes, the result in every lane.
 template <int bytes = 32, typename T, typename Choice>
 KPR_INLINE Vec<T> fold(Vec<T> v, Choice choose) {

@@ -55,7 +55,7 @@ const bool registered = [] {
         kpriErodeBorder_8u_C1R, Kpr8u{}, 3, Shape::Rectangle);
     add("DilateBorder_16u_C1R", kpriMorphologyBorderGetSize_16u_C1R, kpriMorphologyBorderInit_16u_C1R,
         kpriDilateBorder_16u_C1R, Kpr16u{}, 3, Shape::Rectangle);
-    for (int side : {3, 15}) {
+    for (int side : {3, 5, 15}) {
         add("DilateBorder_32f_C1R", kpriMorphologyBorderGetSize_32f_C1R, kpriMorphologyBorderInit_32f_C1R,
             kpriDilateBorder_32f_C1R, Kpr32f{}, side, Shape::Rectangle);
     }
