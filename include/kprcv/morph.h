@@ -2,6 +2,7 @@
 #ifndef KPRCV_MORPH_H
 #define KPRCV_MORPH_H
 
+#include <kprcv/morph_bits.h>
 #include <kprcv/morph_compound.h>
 #include <kprcv/morph_reconstruct.h>
 #include <kprcv/morph_structuring.h>

@@ -47,7 +47,8 @@ KprStatus kpriMorphAdvInit_32f_C4R(KprSize roiSize, const Kpr8u* mask, KprSize m
  * borderType   rules in both stages, each of which has its own neutral constant for kprBorderDefault. On the sides of
  *              kprBorderInMem flags the first stage is computed beyond the ROI as well, as far as the mask (made odd)
  *              reaches, so that memory is read twice as far out. Any of bits 8 to 11 says that the first stage reads
- * its whole neighbourhood from memory on all sides dst          may be the same image as src, in all types
+ *              its whole neighbourhood from memory on all sides
+ * dst          may be the same image as src, in all types
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadStep, kprStatusStepNotMultiple (16u, 16s, 32f),
  * kprStatusBadBorder, and last kprStatusNullPtr for a null borderValue. */

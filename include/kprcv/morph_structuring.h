@@ -79,10 +79,12 @@ KprStatus kpriMorphologyBorderInit_32f_C4R(KprSize roiSize, const Kpr8u* mask, K
  * roiSize          pixels; at least 1 x 1
  * borderType       what lies outside the ROI: kprBorderReplicate, kprBorderMirror, kprBorderConstant, or
  *                  kprBorderDefault, a constant that never wins: the type's lowest value (in 32f the lowest finite
- * one). With kprBorderInMem flags, pixels on those sides are read from memory, as far as the mask (made odd) reaches;
- * kprBorderInMem alone says so of all sides. Bits 8 to 11 are taken and mean nothing here borderValue      of
- * kprBorderConstant; in C3R and C4R forms one element for each channel, and null is taken with any other border spec,
- * buffer     as the calls above left them
+ *                  one). With kprBorderInMem flags, pixels on those sides are read from memory, as far as the mask
+ *                  (made odd) reaches; kprBorderInMem alone says so of all sides. Bits 8 to 11 are taken and mean
+ *                  nothing here
+ * borderValue      of kprBorderConstant; in C3R and C4R forms one element for each channel, and null is taken with
+ *                  any other border
+ * spec, buffer     as the calls above left them
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusInPlaceUnsupported (16s), kprStatusBadSize, kprStatusBadStep,
  * kprStatusStepNotMultiple (16u, 16s, 32f), kprStatusBadBorder, and last kprStatusNullPtr for a null borderValue. */
