@@ -14,7 +14,9 @@ add_library(kprcv_objects OBJECT
     filter/gaussian_large.cpp
     filter/row_pipeline.cpp
     filter/sobel.cpp
+    morph/bits.cpp
     morph/compound.cpp
+    morph/compound_bits.cpp
     morph/compound_large.cpp
     morph/reconstruct.cpp
     morph/structure.cpp

@@ -21,13 +21,14 @@ struct MorphPairLarge {
 };
 
 template <typename Block, typename Extent>
-Block& fillPair(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Bytes specSize) {
+Block& fillPair(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Bytes specSize,
+                TapLists lists = TapLists::Kept) {
     Block& pair = *alignedBlock<Block>(spec);
     auto* blocks = reinterpret_cast<char*>(&pair + 1);
     pair.first = blocks;
     pair.second = blocks + static_cast<Kpr64s>(specSize);
-    fillState<Extent>(pair.first, mask, width, height, Orientation::AsGiven);
-    fillState<Extent>(pair.second, mask, width, height, Orientation::Reflected);
+    fillState<Extent>(pair.first, mask, width, height, Orientation::AsGiven, lists);
+    fillState<Extent>(pair.second, mask, width, height, Orientation::Reflected, lists);
     return pair;
 }
 
@@ -39,6 +40,17 @@ template <typename Block, typename Extent>
 TapsPair pairOf(const void* spec) {
     const Block& pair = *alignedBlock<Block>(spec);
     return {tapsOf<Extent>(pair.first), tapsOf<Extent>(pair.second)};
+}
+
+// The checks of the large interface, but those of the gradient: the constant's pointer counts among the pointers here,
+// and a ROI of 0x7fffffff comes last.
+template <typename Call>
+KprStatus compoundHolds(const Call& c, const void* spec) {
+    constexpr Kpr64s kBeyond = 0x7fffffff;
+    return firstFailure(notNull(c.src, c.dst, spec, c.buffer), valueGiven(c), roiHolds(KprSizeL{c.width, c.height}),
+                        roiNotBeyond(c.width, c.height))
+               ?: firstFailure(stepsHold(c), borderServesMorphology(c.border),
+                               failIf(c.width == kBeyond || c.height == kBeyond, kprStatusSizeOverflow));
 }
 
 // A buffer's two parts: the image between the stages, and the work area of either stage. The image comes first, so that

@@ -4,8 +4,6 @@
 namespace n0 {
 namespace {
 
-constexpr Kpr64s kBeyond = 0x7fffffff;
-
 KprStatus sizingHolds(Extents e, KprDataType dataType, int numChannels) {
     return firstFailure(largeSizesHold(e), typeServed(dataType), channelsServed(numChannels));
 }
@@ -28,16 +26,6 @@ Bytes bufferBytes(Extents e, int elementSize, int channels) {
     Bytes work = 0;
     for (int times = 0; times <= 2; ++times) work = std::max(work, workSize(grown(e, times), elementSize, channels));
     return most.height * roundUp(Bytes{channels} * most.width * elementSize, 32) + 2 * work;
-}
-
-// The constant's pointer counts among the pointers here, and a ROI of 0x7fffffff comes last.
-template <typename T>
-KprStatus compoundHolds(const Call<T>& c, const void* spec) {
-    return firstFailure(notNull(c.src, c.dst, spec, c.buffer), valueGiven(c), roiHolds(KprSizeL{c.width, c.height}),
-                        roiNotBeyond(c.width, c.height))
-               ?: firstFailure(rowsFit<T>(c.width * c.channels, c.srcStep, c.dstStep), elementsAlign(c),
-                               borderServesMorphology(c.border),
-                               failIf(c.width == kBeyond || c.height == kBeyond, kprStatusSizeOverflow));
 }
 
 TapsPair tapsIn(const KprMorphAdvState* spec) { return pairOf<MorphPairLarge, Kpr64s>(spec); }

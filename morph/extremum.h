@@ -42,31 +42,36 @@ KprStatus elementsAlign(const Call<T>& c) {
     if constexpr (sizeof(T) > 1) return stepsAlign<T>(c.srcStep, c.dstStep);
 }
 
-// A constant border has a value.
 template <typename T>
-KprStatus valueGiven(const Call<T>& c) {
+KprStatus stepsHold(const Call<T>& c) {
+    return firstFailure(rowsFit<T>(c.width * c.channels, c.srcStep, c.dstStep), elementsAlign<T>(c));
+}
+
+// A constant border has a value.
+template <typename Call>
+KprStatus valueGiven(const Call& c) {
     return failIf((c.border & 15) == kprBorderConstant && c.value == nullptr, kprStatusNullPtr);
 }
 
 // Whether the source may be the destination. Which members take that is settled one by one and follows no rule.
 enum class InPlace { Served, Refused };
 
-template <typename T>
-KprStatus callHolds(InPlace inPlace, const Call<T>& c, const void* spec) {
+// The ladders of a call, which are the same for bytes, words, floats and bits.
+template <typename Call>
+KprStatus callHolds(InPlace inPlace, const Call& c, const void* spec) {
     return firstFailure(notNull(c.src, c.dst, spec, c.buffer),
                         failIf(inPlace == InPlace::Refused && c.src == c.dst, kprStatusInPlaceUnsupported),
-                        roiHolds(KprSizeL{c.width, c.height}), rowsFit<T>(c.width * c.channels, c.srcStep, c.dstStep),
-                        elementsAlign<T>(c), borderServesMorphology(c.border), valueGiven(c));
+                        roiHolds(KprSizeL{c.width, c.height}), stepsHold(c), borderServesMorphology(c.border),
+                        valueGiven(c));
 }
 
-template <typename T>
-KprStatus largeCallHolds(InPlace inPlace, const Call<T>& c, const void* spec) {
+template <typename Call>
+KprStatus largeCallHolds(InPlace inPlace, const Call& c, const void* spec) {
     constexpr Kpr64s kBeyond = 0x7fffffff;
     return firstFailure(notNull(c.src, c.dst, spec, c.buffer),
                         failIf(inPlace == InPlace::Refused && c.src == c.dst, kprStatusInPlaceUnsupported),
                         roiHolds(KprSizeL{c.width, c.height}), roiNotBeyond(c.width, c.height))
-               ?: firstFailure(rowsFit<T>(c.width * c.channels, c.srcStep, c.dstStep), elementsAlign<T>(c),
-                               borderServesMorphology(c.border),
+               ?: firstFailure(stepsHold(c), borderServesMorphology(c.border),
                                failIf(c.width == kBeyond || c.height == kBeyond, kprStatusBadSize),
                                failIf(c.srcStep >= kBeyond || c.dstStep >= kBeyond, kprStatusBadStep), valueGiven(c));
 }

@@ -22,7 +22,7 @@ Kpr16u* listTaps(Kpr16u* lists, Taps taps) {
 }  // namespace
 
 template <typename Extent>
-void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orientation turn) {
+void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orientation turn, TapLists lists) {
     MorphState<Extent>& state = *alignedBlock<MorphState<Extent>>(spec);
     auto* kept = reinterpret_cast<Kpr8u*>(&state + 1);
     const Taps taps{kept, width | 1, height | 1};
@@ -41,7 +41,8 @@ void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orien
     state.paddedHeight = static_cast<Extent>(taps.height);
     state.anchorX = static_cast<Kpr32s>(width >> 1);
     state.anchorY = static_cast<Kpr32s>(height >> 1);
-    state.tapOffsets = listTaps(reinterpret_cast<Kpr16u*>(kept + total + (total & 1)), taps);
+    auto* after = reinterpret_cast<Kpr16u*>(kept + total + (total & 1));
+    state.tapOffsets = lists == TapLists::Kept ? listTaps(after, taps) : nullptr;
 }
 
 template <typename Extent>
@@ -50,8 +51,8 @@ Taps tapsOf(const void* spec) {
     return {state.maskData, state.paddedWidth, state.paddedHeight};
 }
 
-template void fillState<Kpr32s>(void*, const Kpr8u*, Kpr64s, Kpr64s, Orientation);
-template void fillState<Kpr64s>(void*, const Kpr8u*, Kpr64s, Kpr64s, Orientation);
+template void fillState<Kpr32s>(void*, const Kpr8u*, Kpr64s, Kpr64s, Orientation, TapLists);
+template void fillState<Kpr64s>(void*, const Kpr8u*, Kpr64s, Kpr64s, Orientation, TapLists);
 template Taps tapsOf<Kpr32s>(const void*);
 template Taps tapsOf<Kpr64s>(const void*);
 
@@ -109,11 +110,12 @@ Bytes stateSize(Extents e) {
     return h * ((w + 1) * 2 + w) + 104;
 }
 
+// Padding makes at most 9 taps of 4 (2 x 2 becomes 3 x 3), so that the mask fits into three times its size.
+Bytes stateSizeOfBits(Extents e) { return roundUp(Bytes{e.maskWidth} * e.maskHeight, 16) * 3 + 112; }
+
 Bytes stateSizeLarge(Extents e) {
     const Bytes w = e.paddedWidth(), h = e.paddedHeight();
-    const Bytes bytes = (w * 3 + 2) * h + 128;
-    const Bytes bits = roundUp(Bytes{e.maskWidth} * e.maskHeight, 16) * 3 + 112;
-    return bytes + bits + 16;
+    return (w * 3 + 2) * h + 128 + stateSizeOfBits(e) + 16;
 }
 
 namespace {

@@ -66,9 +66,13 @@ auto* alignedBlock(Memory* spec) {
 // Which way round a mask is kept.
 enum class Orientation { AsGiven, Reflected };
 
+// Whether a block has the lists of taps behind its mask: those of 1-bit images have not.
+enum class TapLists { Kept, None };
+
 // Fills a block from a mask of width x height bytes.
 template <typename Extent>
-void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orientation turn);
+void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orientation turn,
+               TapLists lists = TapLists::Kept);
 template <typename Extent>
 Taps tapsOf(const void* spec);
 
@@ -86,8 +90,9 @@ struct Extents {
 // To a multiple that is a power of two: a division in 128 bits would be a call.
 constexpr Bytes roundUp(Bytes size, int multiple) { return (size + multiple - 1) & ~Bytes{multiple - 1}; }
 
-Bytes stateSize(Extents e);       // 32-bit interface
-Bytes stateSizeLarge(Extents e);  // large interface: of one byte block and one 1-bit block
+Bytes stateSize(Extents e);        // 32-bit interface
+Bytes stateSizeOfBits(Extents e);  // the same for 1-bit images
+Bytes stateSizeLarge(Extents e);   // large interface: of one byte block and one 1-bit block
 Bytes workSize(Extents e, int elementSize, int channels);
 
 // The bytes that a buffer of `workSize` has at least, whatever larger image it was sized for: the size itself falls

@@ -447,6 +447,20 @@ KPR_INLINE Vec<T> shiftRight(Vec<T> v) {
     if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_srli_epi16(bits(v), count));
 }
 
+// Each lane moved by as many bits as the same lane of the counts says; nothing is left from 16 on.
+KPR_INLINE Vec<Kpr16u> operator<<(Vec<Kpr16u> v, Vec<Kpr16u> counts) {
+    return vec<Kpr16u>(_mm512_sllv_epi16(bits(v), bits(counts)));
+}
+KPR_INLINE Vec<Kpr16u> operator>>(Vec<Kpr16u> v, Vec<Kpr16u> counts) {
+    return vec<Kpr16u>(_mm512_srlv_epi16(bits(v), bits(counts)));
+}
+
+// Any function of three bits, bit by bit: `table` is what it makes of the columns 0xf0, 0xcc and 0xaa.
+template <int table, typename T>
+KPR_INLINE Vec<T> combine(Vec<T> a, Vec<T> b, Vec<T> c) {
+    return vec<T>(_mm512_ternarylogic_epi32(bits(a), bits(b), bits(c), table));
+}
+
 // Lane i is v's lane from[i].
 template <typename T, typename Index>
 KPR_INLINE Vec<T> permute(Vec<T> v, Vec<Index> from) {

@@ -1,24 +1,10 @@
-#include <vector>
-
-#include "bench/support/bench.h"
+#include "bench/morph/masks.h"
 
 namespace {
 
 using bench::Image;
-
-enum class Shape { Rectangle, Disc };
-
-std::vector<Kpr8u> maskOf(int side, Shape shape) {
-    std::vector<Kpr8u> mask;
-    const double r = side * 0.5;
-    for (int y = 0; y < side; ++y) {
-        for (int x = 0; x < side; ++x) {
-            const double u = x + 0.5 - r, v = y + 0.5 - r;
-            mask.push_back(shape == Shape::Rectangle || u * u + v * v <= r * r ? 1 : 0);
-        }
-    }
-    return mask;
-}
+using bench::maskOf;
+using bench::Shape;
 
 // A call of dilation or erosion with a mask of side x side.
 template <typename T, typename Size, typename Init, typename Process>

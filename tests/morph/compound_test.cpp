@@ -9,69 +9,13 @@ namespace {
 using test::GuardedBytes;
 using test::GuardedImage;
 using test::ImageInMemory;
+using test::kAll;
+using test::Operation;
 using test::Random;
-
-enum class Operation { Open, Close, TopHat, BlackHat, Gradient };
 
 GuardedBytes exactly(Kpr64s size) { return {static_cast<std::size_t>(size), test::Guard::After}; }
 KprMorphAdvState* block(const GuardedBytes& bytes) { return reinterpret_cast<KprMorphAdvState*>(bytes.data()); }
 Kpr8u* buffer(const GuardedBytes& bytes) { return reinterpret_cast<Kpr8u*>(bytes.data()); }
-
-template <typename T>
-T difference(T a, T b) {
-    if constexpr (std::is_floating_point_v<T>) {
-        return a - b;
-    } else {
-        using Limits = std::numeric_limits<T>;
-        return static_cast<T>(std::clamp(int{a} - int{b}, int{Limits::min()}, int{Limits::max()}));
-    }
-}
-
-template <typename T>
-T notBelowZero(T v) {
-    return v < 0 ? T{0} : v;
-}
-
-// One channel of the result, row by row. `at` reads the source.
-template <typename T>
-std::vector<T> expectedOf(Operation operation, const reference::StructuringElement& element, bool turn,
-                          KprBorderType word, T value, KprSize size, const std::function<T(int, int)>& at) {
-    std::vector<T> result;
-    const auto eachPixel = [&](KprSize roi, auto put) {
-        for (int y = 0; y < roi.height; ++y) {
-            for (int x = 0; x < roi.width; ++x) put(x, y);
-        }
-    };
-    if (operation == Operation::Gradient) {
-        const reference::Stage<T> dilated{true, element, word, value, size, at},
-            eroded{false, element, word, value, size, at};
-        eachPixel(size, [&](int x, int y) { result.push_back(difference(dilated(x, y), eroded(x, y))); });
-        return result;
-    }
-    const bool dilatesFirst = operation == Operation::Close || operation == Operation::BlackHat;
-    auto turned = element;
-    turned.turned = turn;
-    const int left = (word & kprBorderInMemLeft) != 0 ? element.reachX() : 0;
-    const int top = (word & kprBorderInMemTop) != 0 ? element.reachY() : 0;
-    const KprSize between = {left + size.width + ((word & kprBorderInMemRight) != 0 ? element.reachX() : 0),
-                             top + size.height + ((word & kprBorderInMemBottom) != 0 ? element.reachY() : 0)};
-    const KprBorderType firstWord = (word & 3840) != 0 ? word | kprBorderInMem : word;
-    const reference::Stage<T> first{dilatesFirst, element, firstWord,
-                                    value,        between, [&](int x, int y) { return at(x - left, y - top); }};
-    std::vector<T> middle;
-    eachPixel(between, [&](int x, int y) { middle.push_back(first(x, y)); });
-    const auto middleAt = [&](int x, int y) {
-        return middle.at(static_cast<std::size_t>((y + top) * between.width + x + left));
-    };
-    const reference::Stage<T> second{!dilatesFirst, turned, word, value, size, middleAt};
-    eachPixel(size, [&](int x, int y) {
-        const T v = second(x, y);
-        if (operation == Operation::TopHat) return result.push_back(notBelowZero(difference(at(x, y), v)));
-        if (operation == Operation::BlackHat) return result.push_back(notBelowZero(difference(v, at(x, y))));
-        result.push_back(v);
-    });
-    return result;
-}
 
 // As in the test of single stages: a call from image to image, then one in place.
 template <typename T, int channels, typename Run>
@@ -87,8 +31,8 @@ void checkOne(Operation operation, KprSize size, bool inPlaceServed, Random& ran
     for (T& value : values) value = random.pixel<T>();
     std::vector<std::vector<T>> expected;
     for (int c = 0; c < channels; ++c) {
-        expected.push_back(expectedOf<T>(operation, element, !sameMask, word, values[c], size,
-                                         [&](int x, int y) { return src.at(x, y, c); }));
+        expected.push_back(test::expectedOf<T>(operation, element, !sameMask, word, values[c], size,
+                                               [&](int x, int y) { return src.at(x, y, c); }));
     }
     const auto before = src.snapshot();
     ASSERT_EQ(run(src, dst.data(), dst.step(), size, element, test::sizedFor(size, random), word, values), kprStatusOk);
@@ -110,9 +54,6 @@ void checkOne(Operation operation, KprSize size, bool inPlaceServed, Random& ran
         }
     }
 }
-
-inline constexpr Operation kAll[] = {Operation::Open, Operation::Close, Operation::TopHat, Operation::BlackHat,
-                                     Operation::Gradient};
 
 // The functions in the order of the operations.
 template <typename T, int channels, typename Size, typename Init, typename Process>

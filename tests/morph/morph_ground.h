@@ -2,6 +2,8 @@
 // that a border word promises and no more, and buffers of exactly the sizes told.
 #pragma once
 
+#include <algorithm>
+
 #include "tests/reference/morph.h"
 #include "tests/support/guarded_image.h"
 #include "tests/support/ladder.h"
@@ -59,6 +61,67 @@ class ImageInMemory {
     int left_, top_;
     GuardedImage<T> image_;
 };
+
+// What is composed of two stages.
+enum class Operation { Open, Close, TopHat, BlackHat, Gradient };
+inline constexpr Operation kAll[] = {Operation::Open, Operation::Close, Operation::TopHat, Operation::BlackHat,
+                                     Operation::Gradient};
+
+template <typename T>
+T difference(T a, T b) {
+    if constexpr (std::is_floating_point_v<T>) {
+        return a - b;
+    } else {
+        using Limits = std::numeric_limits<T>;
+        return static_cast<T>(std::clamp(int{a} - int{b}, int{Limits::min()}, int{Limits::max()}));
+    }
+}
+
+template <typename T>
+T notBelowZero(T v) {
+    return v < 0 ? T{0} : v;
+}
+
+// One channel of the result, row by row. `at` reads the source.
+template <typename T>
+std::vector<T> expectedOf(Operation operation, const reference::StructuringElement& element, bool turn,
+                          KprBorderType word, T value, KprSize size, const std::function<T(int, int)>& at) {
+    std::vector<T> result;
+    const auto eachPixel = [&](KprSize roi, auto put) {
+        for (int y = 0; y < roi.height; ++y) {
+            for (int x = 0; x < roi.width; ++x) put(x, y);
+        }
+    };
+    if (operation == Operation::Gradient) {
+        const reference::Stage<T> dilated{true, element, word, value, size, at},
+            eroded{false, element, word, value, size, at};
+        eachPixel(size, [&](int x, int y) { result.push_back(difference(dilated(x, y), eroded(x, y))); });
+        return result;
+    }
+    const bool dilatesFirst = operation == Operation::Close || operation == Operation::BlackHat;
+    auto turned = element;
+    turned.turned = turn;
+    const int left = (word & kprBorderInMemLeft) != 0 ? element.reachX() : 0;
+    const int top = (word & kprBorderInMemTop) != 0 ? element.reachY() : 0;
+    const KprSize between = {left + size.width + ((word & kprBorderInMemRight) != 0 ? element.reachX() : 0),
+                             top + size.height + ((word & kprBorderInMemBottom) != 0 ? element.reachY() : 0)};
+    const KprBorderType firstWord = (word & 3840) != 0 ? word | kprBorderInMem : word;
+    const reference::Stage<T> first{dilatesFirst, element, firstWord,
+                                    value,        between, [&](int x, int y) { return at(x - left, y - top); }};
+    std::vector<T> middle;
+    eachPixel(between, [&](int x, int y) { middle.push_back(first(x, y)); });
+    const auto middleAt = [&](int x, int y) {
+        return middle.at(static_cast<std::size_t>((y + top) * between.width + x + left));
+    };
+    const reference::Stage<T> second{!dilatesFirst, turned, word, value, size, middleAt};
+    eachPixel(size, [&](int x, int y) {
+        const T v = second(x, y);
+        if (operation == Operation::TopHat) return result.push_back(notBelowZero(difference(at(x, y), v)));
+        if (operation == Operation::BlackHat) return result.push_back(notBelowZero(difference(v, at(x, y))));
+        result.push_back(v);
+    });
+    return result;
+}
 
 // A ROI as large as `size` or somewhat larger, for sizing.
 inline KprSize sizedFor(KprSize size, Random& random) {
