@@ -9,7 +9,7 @@ void tourBorders(Tour& tour) {
     const Gray& photo = tour.photo();
     // A corner of the photograph, so that the border is seen.
     const KprSize size = {photo.width / 3, photo.height / 3};
-    const Kpr8u* corner = photo.data() + (photo.height / 6) * photo.step() + photo.width / 3;
+    const Kpr8u* corner = photo.from(photo.width / 3, photo.height / 6);
     const int border = size.width / 3;
     const KprSize bordered = {size.width + 2 * border, size.height + 2 * border};
     const double pixels = double(bordered.width) * bordered.height;

@@ -2,8 +2,6 @@
 
 #include <png.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <stdexcept>
 
@@ -41,11 +39,11 @@ void writePng(const std::string& path, const Image<Kpr8u>& image) {
     }
 }
 
-Gray shown(const Floats& image, float low, float high) {
-    Gray out(image.width, image.height);
-    std::transform(image.pixels.begin(), image.pixels.end(), out.pixels.begin(), [=](float value) {
-        return static_cast<Kpr8u>(std::lround(std::clamp((value - low) / (high - low), 0.0F, 1.0F) * 255.0F));
-    });
+Gray enlarged(const Gray& image, KprRect part, int factor) {
+    Gray out(part.width * factor, part.height * factor);
+    for (int y = 0; y < out.height; ++y) {
+        for (int x = 0; x < out.width; ++x) out.at(x, y) = image.at(part.x + x / factor, part.y + y / factor);
+    }
     return out;
 }
 

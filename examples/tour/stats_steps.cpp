@@ -24,11 +24,12 @@ std::vector<Gray> film(const Gray& scene, int frames) {
     std::mt19937 engine(3);
     std::normal_distribution<float> noise(0.0F, 4.0F);
     std::vector<Gray> out(static_cast<std::size_t>(frames), scene);
+    const int swing = scene.height / 6;
     const int radius = std::max(4, scene.width / 14);
     for (int i = 0; i < frames; ++i) {
         Gray& frame = out[static_cast<std::size_t>(i)];
         const int cx = scene.width * (2 * i + 1) / (2 * frames);
-        const int cy = scene.height / 2 + static_cast<int>(scene.height / 6 * std::sin(6.28 * i / frames));
+        const int cy = scene.height / 2 + static_cast<int>(swing * std::sin(6.28 * i / frames));
         for (int y = 0; y < scene.height; ++y) {
             for (int x = 0; x < scene.width; ++x) {
                 const bool inDisc = (x - cx) * (x - cx) + (y - cy) * (y - cy) < radius * radius;

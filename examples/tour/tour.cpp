@@ -1,4 +1,5 @@
-// Runs the library on a photograph and shows what it made:  tour PHOTO.png OUT_DIR
+// Runs the library on a photograph and shows what it made:  tour PHOTO.png OUT_DIR PHOTOS_DIR
+// PHOTOS_DIR holds the photographs that come with the library.
 #include "examples/tour/tour.h"
 
 #include <cstdio>
@@ -30,9 +31,10 @@ std::string escaped(const std::string& text) {
 
 }  // namespace
 
-Tour::Tour(std::string photo, std::string outDir)
+Tour::Tour(std::string photo, std::string outDir, std::string photosDir)
     : photoPath_(std::move(photo)),
       outDir_(std::move(outDir)),
+      photosDir_(std::move(photosDir)),
       photo_(readGray(photoPath_)),
       colour_(readColour(photoPath_)) {
     std::filesystem::create_directories(outDir_);
@@ -59,9 +61,9 @@ void Tour::show(const std::string& name, const std::string& caption, const Image
         timing = text;
     }
     std::printf("  %-34s %-20s %s\n", name.c_str(), timing.c_str(), file.c_str());
-    page_ += "<figure><img src=\"" + file + "\" alt=\"" + escaped(name) + "\"><figcaption><b>" + escaped(name) +
-             "</b><br>" + escaped(caption) + (timing.empty() ? "" : "<br><i>" + timing + "</i>") +
-             "</figcaption></figure>\n";
+    page_ += "<figure><a href=\"" + file + "\"><img src=\"" + file + "\" alt=\"" + escaped(name) +
+             "\"></a><figcaption><b>" + escaped(name) + "</b><br>" + escaped(caption) +
+             (timing.empty() ? "" : "<br><i>" + timing + "</i>") + "</figcaption></figure>\n";
 }
 
 void Tour::finish() const {
@@ -88,17 +90,22 @@ void Tour::requireOk(const std::string& name, KprStatus status) {
 }  // namespace tour
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::cerr << "usage: tour PHOTO.png OUT_DIR\n";
+    if (argc != 4) {
+        std::cerr << "usage: tour PHOTO.png OUT_DIR PHOTOS_DIR\n";
         return 2;
     }
     try {
-        tour::Tour tour(argv[1], argv[2]);
+        tour::Tour tour(argv[1], argv[2], argv[3]);
         tour.chapter("The photograph", "What every step starts from.");
         tour.show("photograph", "as read, in gray", tour.photo());
         tour::tourStats(tour);
         tour::tourStatistics(tour);
         tour::tourBorders(tour);
+        tour::tourBorderWords(tour);
+        tour::tourGaussian(tour);
+        tour::tourFilters(tour);
+        tour::tourMorphology(tour);
+        tour::tourCoins(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';

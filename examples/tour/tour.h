@@ -11,10 +11,12 @@ namespace tour {
 
 class Tour {
   public:
-    Tour(std::string photo, std::string outDir);
+    Tour(std::string photo, std::string outDir, std::string photosDir);
 
     const Gray& photo() const { return photo_; }            // the photograph in gray
     const Image<Kpr8u>& colour() const { return colour_; }  // and in colour
+    // One of the photographs that come with the library, for steps that want a scene of their own.
+    Gray example(const std::string& file) const { return readGray(photosDir_ + "/" + file); }
 
     // A heading on the page, one for each family.
     void chapter(const std::string& title, const std::string& text);
@@ -46,6 +48,7 @@ class Tour {
   private:
     std::string photoPath_;
     std::string outDir_;
+    std::string photosDir_;
     Gray photo_;
     Image<Kpr8u> colour_;
     std::string page_;
@@ -56,5 +59,10 @@ class Tour {
 void tourStats(Tour& tour);
 void tourStatistics(Tour& tour);
 void tourBorders(Tour& tour);
+void tourBorderWords(Tour& tour);
+void tourGaussian(Tour& tour);
+void tourFilters(Tour& tour);
+void tourMorphology(Tour& tour);
+void tourCoins(Tour& tour);
 
 }  // namespace tour
