@@ -22,6 +22,7 @@ class HalfTaps {
   public:
     using Pixel = Src;
     static constexpr int kStep = kLanes<Kpr32f>;
+    static constexpr int kGroup = std::is_same_v<Src, Kpr32f> ? 8 : 4;
 
     HalfTaps(const Kpr32f* half, int kernelSize) : half_(half), radius_(kernelSize / 2) {
         if constexpr (size > 0) {

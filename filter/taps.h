@@ -23,9 +23,6 @@ KPR_INLINE void repeat(int count, Body body) {
     }
 }
 
-// So many vectors are worked on at once: a long kernel looks up a tap once for all.
-inline constexpr int kGroup = 8;
-
 // Calls `run.template operator()<size>()` with the kernel sizes that have code of their own, and 0 for all others.
 template <typename Run>
 KPR_INLINE auto withSize(int kernelSize, Run run) {
@@ -43,23 +40,20 @@ KPR_INLINE auto withSize(int kernelSize, Run run) {
 
 enum class Conversion { Nearest, Truncate };
 
-// Sums of 32 pixels: those of the lower and those of the upper halves of the blocks of eight.
-struct Sums {
-    Vec<Kpr32s> lower, upper;
-};
-
-// Integer taps, two and two as `sumPairs` takes them; the last of an odd number stands beside a zero. `shrinks` says
-// that the divisor is known to be 2 or more: no product leaves 32 bits.
+// Integer taps, two and two as `sumPairs` takes them; what is left over stands beside a zero. `shrinks` says that the
+// divisor is known to be 2 or more: no product leaves 32 bits.
 template <typename Src, int size, bool shrinks = false>
 class IntegerTaps {
   public:
     using Pixel = Src;
     static constexpr int kStep = kLanes<Kpr16s>;
+    static constexpr int kGroup = 4;
 
     IntegerTaps(const Kpr16s* kernel, int kernelSize, int divisor)
         : kernel_(kernel), kernelSize_(kernelSize), inverse_(broadcast(1.0F / static_cast<float>(divisor))) {
-        if constexpr (size > 0) {
-            for (int i = 0; i < (terms() + 1) / 2; ++i) pairs_[i] = load(i);
+        for (int i = 0; i < kKept; ++i) {
+            pairs_[i] = pairFrom(2 * i);
+            shifted_[i] = pairFrom(2 * i - 1);
         }
         // 16u is summed less 0x8000: sumPairs is signed. What that takes away is the same for all pixels.
         unsigned less = 0;
@@ -68,49 +62,60 @@ class IntegerTaps {
         start_ = broadcast(static_cast<Kpr32s>(less));
     }
 
+    // Tap i over at(i). The pixels of two taps are interleaved.
     template <int vectors, typename Dst, Conversion conversion, typename Part, typename At>
     KPR_INLINE void apply(Part part, At at, Dst* dst) const {
+        Vec<Kpr32s> lower[vectors], upper[vectors];
+        for (int v = 0; v < vectors; ++v) lower[v] = upper[v] = start_;
+        repeat<(size + 1) / 2>((taps() + 1) / 2, [&](int i) __attribute__((always_inline)) {
+            const Vec<Kpr16s> pair = kept(pairs_, i, 2 * i);
+            const bool alone = 2 * i + 1 == taps();
+            for (int v = 0; v < vectors; ++v) {
+                const Vec<Kpr16s> a = words(at(2 * i) + v * kStep, part);
+                const Vec<Kpr16s> b = alone ? zero<Kpr16s>() : words(at(2 * i + 1) + v * kStep, part);
+                lower[v] = lower[v] + sumPairs(interleaveLower(a, b), pair);
+                upper[v] = upper[v] + sumPairs(interleaveUpper(a, b), pair);
+            }
+        });
         for (int v = 0; v < vectors; ++v) {
-            applyOne<Dst, conversion>(
-                part, [&](int i) { return at(i) + v * kStep; }, dst + v * kStep);
+            const Vec<Kpr32s> a = scaled<conversion>(lower[v]), b = scaled<conversion>(upper[v]);
+            if constexpr (sizeof(Dst) == 1)
+                storeAs(dst + v * kStep, join<Kpr16s>(a, b), part);
+            else
+                store(dst + v * kStep, join<Dst>(a, b), part);
         }
     }
 
+    // An odd number of taps along a row of one channel: neighbours are pairs already. A vector of them serves its even
+    // columns by taps (0, 1), (2, 3) ..., and its odd ones by taps (-, 0), (1, 2) ....
+    template <int vectors, Conversion conversion, typename Part, typename Dst>
+    KPR_INLINE void along(Part part, const Src* src, Dst* dst) const {
+        Vec<Kpr32s> even[vectors], odd[vectors];
+        for (int v = 0; v < vectors; ++v) even[v] = odd[v] = start_;
+        const auto add = [&](int i, auto loaded) __attribute__((always_inline)) {
+            const Vec<Kpr16s> pair = kept(pairs_, i, 2 * i), shifted = kept(shifted_, i, 2 * i - 1);
+            for (int v = 0; v < vectors; ++v) {
+                Vec<Kpr16s> pixels = words(src + v * kStep + 2 * i, loaded);
+                even[v] = even[v] + sumPairs(pixels, pair);
+                odd[v] = odd[v] + sumPairs(pixels, shifted);
+            }
+        };
+        repeat<size / 2>(
+            taps() / 2, [&](int i) __attribute__((always_inline)) { add(i, oneMore(part)); });
+        add(taps() / 2, part);
+        for (int v = 0; v < vectors; ++v)
+            store(dst + v * kStep, alternate<Dst>(scaled<conversion>(even[v]), scaled<conversion>(odd[v])), part);
+    }
+
+    [[nodiscard]] KPR_INLINE constexpr int taps() const { return size == 0 ? kernelSize_ : size; }
+
   private:
-    template <typename Dst, Conversion conversion, typename Part, typename At>
-    KPR_INLINE void applyOne(Part part, At at, Dst* dst) const {
-        const Sums sums = sum(part, at);
-        const Vec<Kpr32s> lower = scaled<conversion>(sums.lower);
-        const Vec<Kpr32s> upper = scaled<conversion>(sums.upper);
-        if constexpr (sizeof(Dst) == 1)
-            storeAs(dst, join<Kpr16s>(lower, upper), part);
-        else
-            store(dst, join<Dst>(lower, upper), part);
-    }
-
-    [[nodiscard]] KPR_INLINE constexpr int terms() const { return size == 0 ? kernelSize_ : size; }
-
-    template <typename Part, typename At>
-    [[nodiscard]] KPR_INLINE Sums sum(Part part, At at) const {
-        constexpr int kPairs = size / 2;
-        const auto term = [&](int i) __attribute__((always_inline)) { return words(at(i), part); };
-        Sums sums = {start_, start_};
-        repeat<kPairs>(
-            terms() / 2, [&](int i)
-                             __attribute__((always_inline)) { add(sums, term(2 * i), term(2 * i + 1), pair(i)); });
-        if (terms() % 2 != 0) add(sums, term(terms() - 1), zero<Kpr16s>(), pair(terms() / 2));
-        return sums;
-    }
-
-    KPR_INLINE static void add(Sums& sums, Vec<Kpr16s> a, Vec<Kpr16s> b, Vec<Kpr16s> pair) {
-        sums.lower = sums.lower + sumPairs(interleaveLower(a, b), pair);
-        sums.upper = sums.upper + sumPairs(interleaveUpper(a, b), pair);
-    }
+    static constexpr int kKept = (size + 1) / 2;
 
     template <typename Part>
     KPR_INLINE static Vec<Kpr16s> words(const Src* src, Part part) {
         if constexpr (std::is_same_v<Src, Kpr16u>)
-            return as<Kpr16s>(n0::load(src, part) ^ broadcast<Kpr16u>(0x8000));
+            return as<Kpr16s>(load(src, part) ^ broadcast<Kpr16u>(0x8000));
         else
             return loadAs<Kpr16s>(src, part);
     }
@@ -123,15 +128,13 @@ class IntegerTaps {
         return conversion == Conversion::Nearest ? toInteger(value) : truncate(value);
     }
 
-    [[nodiscard]] KPR_INLINE Vec<Kpr16s> pair(int i) const {
-        if constexpr (size > 0)
-            return pairs_[i];
-        else
-            return load(i);
+    [[nodiscard]] KPR_INLINE Vec<Kpr16s> kept(const Vec<Kpr16s>* pairs, int i, int first) const {
+        return size > 0 ? pairs[i] : pairFrom(first);
     }
-    [[nodiscard]] KPR_INLINE Vec<Kpr16s> load(Kpr64s i) const {
-        const unsigned low = static_cast<Kpr16u>(kernel_[2 * i]);
-        const unsigned high = 2 * i + 1 < terms() ? static_cast<Kpr16u>(kernel_[2 * i + 1]) : 0U;
+    // Taps `first` and the next, as far as there are such.
+    [[nodiscard]] KPR_INLINE Vec<Kpr16s> pairFrom(Kpr64s first) const {
+        const unsigned low = first >= 0 ? static_cast<Kpr16u>(kernel_[first]) : 0U;
+        const unsigned high = first + 1 < taps() ? static_cast<Kpr16u>(kernel_[first + 1]) : 0U;
         return as<Kpr16s>(broadcast(static_cast<Kpr32s>(low | high << 16)));
     }
 
@@ -139,7 +142,7 @@ class IntegerTaps {
     int kernelSize_;
     Vec<Kpr32f> inverse_;
     Vec<Kpr32s> start_;
-    Vec<Kpr16s> pairs_[size == 0 ? 1 : (size + 1) / 2];
+    Vec<Kpr16s> pairs_[kKept == 0 ? 1 : kKept], shifted_[kKept == 0 ? 1 : kKept];
 };
 
 template <int size>
@@ -147,6 +150,7 @@ class FloatTaps {
   public:
     using Pixel = Kpr32f;
     static constexpr int kStep = kLanes<Kpr32f>;
+    static constexpr int kGroup = 8;
 
     // Taps may stand `spacing` elements apart.
     FloatTaps(const Kpr32f* kernel, int kernelSize, Kpr64s spacing = 1)
@@ -192,12 +196,21 @@ KPR_INLINE auto tapsOf(const Kpr32f* kernel, int kernelSize, int) {
     return FloatTaps<size>(kernel, kernelSize);
 }
 
+// Taps work on kGroup vectors at once, as long as there are so many: long kernels look up a tap once for all.
+//
 // dst[x] for `count` elements of a row whose tap i lies over src[x + i * spacing]. One copy serves all its callers:
 // what a call costs is nothing beside a row.
 template <Conversion conversion, int spacing, typename Taps, typename Dst>
 [[gnu::noinline]] void filterRow(const Taps& shared, const typename Taps::Pixel* src, Dst* dst, Kpr64s count) {
     const Taps taps = shared;  // a copy: what is not shared stays in registers
-    walkStretches<Taps::kStep, kGroup>(count, [&]<int vectors>(auto part, Kpr64s x) {
+    if constexpr (spacing == 1 && requires { taps.taps(); }) {
+        if (taps.taps() % 2 != 0) {
+            return walkStretches<Taps::kStep, Taps::kGroup>(count, [&]<int vectors>(auto part, Kpr64s x) {
+                taps.template along<vectors, conversion>(part, src + x, dst + x);
+            });
+        }
+    }
+    walkStretches<Taps::kStep, Taps::kGroup>(count, [&]<int vectors>(auto part, Kpr64s x) {
         taps.template apply<vectors, Dst, conversion>(
             part, [&](int i) { return src + x + i * spacing; }, dst + x);
     });
@@ -222,7 +235,7 @@ template <typename Taps, typename Dst>
 [[gnu::noinline]] void filterColumn(const Taps& shared, const typename Taps::Pixel* const* rows, Dst* dst,
                                     Kpr64s count) {
     const Taps taps = shared;
-    walkStretches<Taps::kStep, kGroup>(count, [&]<int vectors>(auto part, Kpr64s x) {
+    walkStretches<Taps::kStep, Taps::kGroup>(count, [&]<int vectors>(auto part, Kpr64s x) {
         taps.template apply<vectors, Dst, Conversion::Nearest>(
             part, [&](int i) { return rows[i] + x; }, dst + x);
     });

@@ -397,6 +397,13 @@ KPR_INLINE Vec<To> join(Vec<Kpr32s> lower, Vec<Kpr32s> upper) {
     if constexpr (std::is_same_v<To, Kpr16u>) return vec<To>(_mm512_packus_epi32(bits(lower), bits(upper)));
 }
 
+// The lanes of a and b in turn, each the nearest value of To's range.
+template <typename To>
+KPR_INLINE Vec<To> alternate(Vec<Kpr32s> a, Vec<Kpr32s> b) {
+    const __m512i from = _mm512_broadcast_i32x4(_mm_setr_epi8(0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15));
+    return vec<To>(_mm512_shuffle_epi8(bits(join<To>(a, b)), from));
+}
+
 KPR_INLINE Vec<Kpr8u> join(Vec<Kpr16u> lower, Vec<Kpr16u> upper) {  // of lanes below 2^15
     return vec<Kpr8u>(_mm512_packus_epi16(bits(lower), bits(upper)));
 }
