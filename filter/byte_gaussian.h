@@ -46,7 +46,8 @@ class BytePairs {
         for (int i = 0; i < (kernelSize + 1) / 2; ++i) {
             even[i] = {packed(high, 2 * i + 1), packed(low, 2 * i + 1)};
             odd[i] = {packed(high, 2 * i), packed(low, 2 * i)};
-            if (high[2 * i + 1] + high[2 * i + 2] > 128 || high[2 * i] + high[2 * i + 1] > 128) return false;
+            const int a = 2 * i;
+            if (high[a + 1] + high[a + 2] > 128 || high[a] + high[a + 1] > 128) return false;
         }
         return 255 * sum + 2048 < 256 * 4096;
     }
@@ -107,7 +108,8 @@ class ByteTaps {
         Digits even, odd;
         eachPair(
             even, odd, [&](int i, bool last) __attribute__((always_inline)) {
-                const Vec<Kpr8u> pixels = last ? loadOnce(src + 2 * i, part) : loadOnce(src + 2 * i, oneMore(part));
+                const Vec<Kpr8u> pixels =
+                    last ? loadOnce(src + Kpr64s{2} * i, part) : loadOnce(src + Kpr64s{2} * i, oneMore(part));
                 add(even, pixels, evenPair(i));
                 add(odd, pixels, oddPair(i));
             });
@@ -237,7 +239,7 @@ template <int channels, typename Taps>
             taps.along(part, nearest, s, d, All{});
         else
             taps.down(
-                part, nearest, [&](int i) { return s + i * channels; }, d, All{});
+                part, nearest, [&](Kpr64s i) { return s + i * channels; }, d, All{});
     };
     for (const RowPart<Kpr8u>& row : parts) {
         const Kpr64s first = row.x * channels, count = row.count * channels;

@@ -95,7 +95,7 @@ class IntegerTaps {
         const auto add = [&](int i, auto loaded) __attribute__((always_inline)) {
             const Vec<Kpr16s> pair = kept(pairs_, i, 2 * i), shifted = kept(shifted_, i, 2 * i - 1);
             for (int v = 0; v < vectors; ++v) {
-                Vec<Kpr16s> pixels = words(src + v * kStep + 2 * i, loaded);
+                Vec<Kpr16s> pixels = words(src + v * kStep + Kpr64s{2} * i, loaded);
                 even[v] = even[v] + sumPairs(pixels, pair);
                 odd[v] = odd[v] + sumPairs(pixels, shifted);
             }
@@ -168,7 +168,7 @@ class FloatTaps {
             kernelSize_ - 1, [&](int i) __attribute__((always_inline)) {
                 const Kpr32f* const row = at(i + 1);
                 const Vec<Kpr32f> weight = tap(i + 1);
-                for (int v = 0; v < vectors; ++v) sums[v] = fma(load(row + v * kStep, part), weight, sums[v]);
+                for (Kpr64s v = 0; v < vectors; ++v) sums[v] = fma(load(row + v * kStep, part), weight, sums[v]);
             });
         for (int v = 0; v < vectors; ++v) store(dst + v * kStep, sums[v], part);
     }
