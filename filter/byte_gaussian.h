@@ -1,8 +1,9 @@
 // The Gaussian filter of bytes with 32-bit sizes, by bytes: rows are bytes between the stages too, since taps that are
 // not negative and add up to about 4096 give no result beyond 255.
 //
-// A tap is written as 32 * high + low, low between -31 and 31, so that products of bytes add up in 16 bits: 255 times
-// the lows of either sign stays below 2^15. With S = 32 * H + L and T = H + (L >> 5), which is S / 32 rounded down,
+// A tap is written as 32 * high + low, low between -31 and 31, so that products of bytes add up in 16 bits: the lows of
+// either sign to 128 at most, before L is reduced. With S = 32 * H + L and T = H + (L >> 5), which is S / 32 rounded
+// down,
 //
 //     S / 4096 to nearest    (T + 64) >> 7, one less where that is odd and a tie: no bit set in T + 64 below 7 and in L
 //                            below 5
@@ -20,7 +21,7 @@ namespace n0 {
 class BytePairs {
   public:
     static constexpr int kMostTaps = 63;
-    static constexpr int kFlush = 6;  // so many pairs' lows add up safely
+    static constexpr int kFlush = 5;  // so many pairs' lows are added up between two reductions
     static constexpr int kMost = (kMostTaps + 1) / 2;
     struct Pair {
         Kpr32s high, low;
@@ -36,18 +37,17 @@ class BytePairs {
             if (i % (2 * kFlush) == 0) above = below = 0;
             const int tap = kernel[i], rest = tap & 31;
             if (tap < 0 || tap > 4064) return false;
-            const bool negative = below + 32 - rest < above + rest;
+            const bool negative = rest > 0 && below + 32 - rest < above + rest;
             (negative ? below : above) += negative ? 32 - rest : rest;
-            if (above > 128 || below > 128) return false;
+            if (above > 96 || below > 96) return false;  // odd pairs begin a tap earlier, whose low is below 32
             low[i + 1] = static_cast<Kpr8s>(negative ? rest - 32 : rest);
             high[i + 1] = static_cast<Kpr8s>((tap - low[i + 1]) / 32);
+            if (high[i] + high[i + 1] > 128) return false;
             sum += tap;
         }
         for (int i = 0; i < (kernelSize + 1) / 2; ++i) {
             even[i] = {packed(high, 2 * i + 1), packed(low, 2 * i + 1)};
             odd[i] = {packed(high, 2 * i), packed(low, 2 * i)};
-            const int a = 2 * i;
-            if (high[a + 1] + high[a + 2] > 128 || high[a] + high[a + 1] > 128) return false;
         }
         return 255 * sum + 2048 < 256 * 4096;
     }
@@ -59,15 +59,24 @@ class BytePairs {
     }
 };
 
+// A pair of taps for all pixels.
+struct PairWeights {
+    Vec<Kpr8s> high, low;
+
+    KPR_INLINE PairWeights() = default;
+    KPR_INLINE explicit PairWeights(BytePairs::Pair pair)
+        : high(as<Kpr8s>(broadcast(pair.high))), low(as<Kpr8s>(broadcast(pair.low))) {}
+};
+
 // The sums of 32 pixels.
 struct Digits {
     Vec<Kpr16s> high = zero<Kpr16s>(), low = zero<Kpr16s>();
 
-    KPR_INLINE void add(Vec<Kpr8u> pixels, Vec<Kpr8s> highs, Vec<Kpr8s> lows) {
-        high = high + sumPairs(pixels, highs);
-        low = low + sumPairs(pixels, lows);
+    KPR_INLINE void add(Vec<Kpr8u> pixels, const PairWeights& weights) {
+        high = high + sumPairs(pixels, weights.high);
+        low = low + sumPairs(pixels, weights.low);
     }
-    KPR_INLINE void flush() {
+    KPR_INLINE void reduce() {
         high = high + shiftRight<5>(low);
         low = low & broadcast<Kpr16s>(31);
     }
@@ -97,12 +106,13 @@ class ByteTaps {
   public:
     ByteTaps(const BytePairs& pairs, int kernelSize) : pairs_(&pairs), kernelSize_(kernelSize) {
         for (int i = 0; i < kKept; ++i) {
-            even_[i] = vectors(pairs.even[i]);
-            odd_[i] = vectors(pairs.odd[i]);
+            even_[i] = PairWeights(pairs.even[i]);
+            odd_[i] = PairWeights(pairs.odd[i]);
         }
     }
 
     // Neighbours in a row: dst[x] from src[x] to src[x + kernelSize - 1], to nearest where `nearest` has a bit.
+    // `stored` is the part of dst that is written.
     template <typename Part, typename Nearest>
     KPR_INLINE void along(Part part, Nearest nearest, const Kpr8u* src, Kpr8u* dst, auto stored) const {
         Digits even, odd;
@@ -110,8 +120,8 @@ class ByteTaps {
             even, odd, [&](int i, bool last) __attribute__((always_inline)) {
                 const Vec<Kpr8u> pixels =
                     last ? loadOnce(src + Kpr64s{2} * i, part) : loadOnce(src + Kpr64s{2} * i, oneMore(part));
-                add(even, pixels, evenPair(i));
-                add(odd, pixels, oddPair(i));
+                even.add(pixels, evenPair(i));
+                odd.add(pixels, oddPair(i));
             });
         Vec<Kpr16u> lower, upper;
         divide(even, odd, halfOf(nearest, 0x5555555555555555), halfOf(nearest, 0xaaaaaaaaaaaaaaaa), lower, upper);
@@ -126,9 +136,9 @@ class ByteTaps {
             lower, upper, [&](int i, bool last) __attribute__((always_inline)) {
                 const Vec<Kpr8u> first = loadOnce(at(2 * i), part);
                 const Vec<Kpr8u> second = last ? first : loadOnce(at(2 * i + 1), part);
-                const Weights weights = evenPair(i);
-                add(lower, interleaveLower(first, second), weights);
-                add(upper, interleaveUpper(first, second), weights);
+                const PairWeights weights = evenPair(i);
+                lower.add(interleaveLower(first, second), weights);
+                upper.add(interleaveUpper(first, second), weights);
             });
         Vec<Kpr16u> a, b;
         divide(lower, upper, halfOf(nearest, 0x00ff00ff00ff00ff), halfOf(nearest, 0xff00ff00ff00ff00), a, b);
@@ -154,27 +164,22 @@ class ByteTaps {
             const int last = kernelSize_ / 2;
             for (int i = 0; i < last;) {
                 for (const int end = std::min(i + BytePairs::kFlush, last); i < end; ++i) step(i, false);
-                a.flush();
-                b.flush();
+                a.reduce();
+                b.reduce();
             }
             step(last, true);
         }
     }
-    struct Weights {
-        Vec<Kpr8s> high, low;
-    };
-    [[nodiscard]] KPR_INLINE static Weights vectors(const BytePairs::Pair& pair) {
-        return {as<Kpr8s>(broadcast(pair.high)), as<Kpr8s>(broadcast(pair.low))};
+    [[nodiscard]] KPR_INLINE PairWeights evenPair(int i) const {
+        return size == 0 ? PairWeights(pairs_->even[i]) : even_[i];
     }
-    [[nodiscard]] KPR_INLINE Weights evenPair(int i) const { return size == 0 ? vectors(pairs_->even[i]) : even_[i]; }
-    [[nodiscard]] KPR_INLINE Weights oddPair(int i) const { return size == 0 ? vectors(pairs_->odd[i]) : odd_[i]; }
-    KPR_INLINE static void add(Digits& digits, Vec<Kpr8u> pixels, const Weights& weights) {
-        digits.add(pixels, weights.high, weights.low);
+    [[nodiscard]] KPR_INLINE PairWeights oddPair(int i) const {
+        return size == 0 ? PairWeights(pairs_->odd[i]) : odd_[i];
     }
 
     const BytePairs* pairs_;
     int kernelSize_;
-    Weights even_[kKept == 0 ? 1 : kKept], odd_[kKept == 0 ? 1 : kKept];
+    PairWeights even_[kKept == 0 ? 1 : kKept], odd_[kKept == 0 ? 1 : kKept];
 };
 
 // Three taps k, 4096 - 2k, k: with x = a + c - 2b the result is b + k * x / 4096, one product in 16 bits. It rounds

@@ -191,6 +191,20 @@ TEST(FilterGaussian, BorderFormOfBytes) {
     sweepBorderForm<Kpr8u, 1>(kpriFilterGaussianBorder_8u_C1R);
     sweepBorderForm<Kpr8u, 3>(kpriFilterGaussianBorder_8u_C3R);
 }
+// Enough pixels for sums half way between two results, which one in 4096 is; kernels of every kind of taps.
+TEST(FilterGaussian, BorderFormOfManyBytes) {
+    Random random;
+    const KprSize roi = {203, 59};
+    for (int i = 0; i < 24; ++i)
+        checkBorderForm<Kpr8u, 1>(kpriFilterGaussianBorder_8u_C1R, roi, 3, kprBorderMirror,
+                                  0.4F + 0.05F * static_cast<float>(i), random);
+    for (int kernelSize = 5; kernelSize <= 65 && !HasFailure(); kernelSize += 2) {
+        for (float sigma : {0.15F * static_cast<float>(kernelSize), 50.0F})
+            checkBorderForm<Kpr8u, 1>(kpriFilterGaussianBorder_8u_C1R, roi, kernelSize, test::anyFilterWord(random),
+                                      sigma, random);
+    }
+    checkBorderForm<Kpr8u, 3>(kpriFilterGaussianBorder_8u_C3R, roi, 15, kprBorderReplicate, 2.5F, random);
+}
 TEST(FilterGaussian, BorderFormOfWords) {
     sweepBorderForm<Kpr16u, 1>(kpriFilterGaussianBorder_16u_C1R);
     sweepBorderForm<Kpr16u, 3>(kpriFilterGaussianBorder_16u_C3R);
