@@ -55,6 +55,7 @@ constexpr Axis rowsOf(Kpr64s height, KprBorderType word) {
 template <typename T>
 struct RowPart {
     const T* src;
+    Kpr64s step;  // bytes to the next row's
     Kpr64s x, count;
     bool atEdge;
 };
@@ -91,26 +92,36 @@ class EdgedRows {
     }
 
     RowParts<T> row(Kpr64s y) {
-        T* strips = strip_;
         if (held_ == 0) {
-            fill(y, 1, strips);
-        } else {
-            if (y < first_ || y >= first_ + held_) {
-                first_ = y;
-                fill(y, std::min(held_, end_ - y), own_);
-            }
-            strips = own_ + (y - first_) * stride_;
+            fill(y, 1, strip_);
+            return parts(y, strip_);
         }
-        RowParts<T> parts;
-        if (left_ > 0) parts.part[parts.count++] = {strips, 0, left_, true};
-        if (right_ > left_)
-            parts.part[parts.count++] = {src_[y] + (left_ - before_) * channels, left_, right_ - left_, false};
-        if (axis_.size > right_) parts.part[parts.count++] = {rightOf(strips), right_, axis_.size - right_, true};
-        return parts;
+        if (y < first_ || y >= first_ + held_) {
+            first_ = y;
+            fill(y, std::min(held_, end_ - y), own_);
+        }
+        return parts(y, own_ + (y - first_) * stride_);
     }
 
+    // The parts of `count` rows from y on: at most mostRows(), which is not zero for short kernels.
+    RowParts<T> band(Kpr64s y, Kpr64s count) {
+        fill(y, count, own_);
+        return parts(y, own_);
+    }
+    [[nodiscard]] Kpr64s mostRows() const { return held_; }
+
   private:
-    static constexpr Kpr64s kOwnStrips = 2048, kMostRows = 8;
+    static constexpr Kpr64s kOwnStrips = 8192 / sizeof(T), kMostRows = 32;
+
+    RowParts<T> parts(Kpr64s y, const T* strips) const {
+        const Kpr64s step = stride_ * Kpr64s{sizeof(T)};
+        RowParts<T> all;
+        if (left_ > 0) all.part[all.count++] = {strips, step, 0, left_, true};
+        if (right_ > left_)
+            all.part[all.count++] = {src_[y] + (left_ - before_) * channels, src_.step, left_, right_ - left_, false};
+        if (axis_.size > right_) all.part[all.count++] = {rightOf(strips), step, right_, axis_.size - right_, true};
+        return all;
+    }
 
     // Strips of columns before left_ and from right_ on, in whole groups.
     void cut(Kpr64s group) {
@@ -123,7 +134,10 @@ class EdgedRows {
         stride_ = (left_ + axis_.size - right_ + 2 * (Kpr64s{before_} + after_)) * channels;
     }
 
-    T* rightOf(T* left) const { return left_ > 0 ? left + (left_ + before_ + after_) * channels : left; }
+    template <typename Strip>
+    Strip* rightOf(Strip* left) const {
+        return left_ > 0 ? left + (left_ + before_ + after_) * channels : left;
+    }
 
     // The strips of `count` rows.
     [[gnu::noinline]] void fill(Kpr64s y, Kpr64s count, T* strips) const {

@@ -13,6 +13,7 @@
 // results of its even columns, as taps (0, 1), (2, 3) ..., and of its odd ones, as taps (-, 0), (1, 2) ....
 #pragma once
 
+#include "filter/byte_walk.h"
 #include "filter/taps.h"
 
 namespace n0 {
@@ -100,10 +101,14 @@ KPR_INLINE void divide(const Digits& a, const Digits& b, Vec<Kpr16u> halfA, Vec<
     }
 }
 
-// Taps of a kernel of known size are kept in registers; those of others are looked up.
-template <int size>
+// Taps of a kernel of known size are kept in registers; those of others are looked up. `nearest` tells which of 64
+// results are rounded to nearest.
+template <int channels, int size>
 class ByteTaps {
   public:
+    static constexpr int kRadius = size / 2;
+    using Row = Vec<Kpr8u>;
+
     ByteTaps(const BytePairs& pairs, int kernelSize) : pairs_(&pairs), kernelSize_(kernelSize) {
         for (int i = 0; i < kKept; ++i) {
             even_[i] = PairWeights(pairs.even[i]);
@@ -111,41 +116,57 @@ class ByteTaps {
         }
     }
 
-    // Neighbours in a row: dst[x] from src[x] to src[x + kernelSize - 1], to nearest where `nearest` has a bit.
-    // `stored` is the part of dst that is written.
+    // Columns whose first tap lies over src.
     template <typename Part, typename Nearest>
-    KPR_INLINE void along(Part part, Nearest nearest, const Kpr8u* src, Kpr8u* dst, auto stored) const {
+    KPR_INLINE Row across(Part part, Nearest nearest, const Kpr8u* src) const {
+        if constexpr (channels > 1)
+            return sum(
+                nearest, [&](Kpr64s i) __attribute__((always_inline)) { return load(src + i * channels, part); });
         Digits even, odd;
         eachPair(
-            even, odd, [&](int i, bool last) __attribute__((always_inline)) {
-                const Vec<Kpr8u> pixels =
-                    last ? loadOnce(src + Kpr64s{2} * i, part) : loadOnce(src + Kpr64s{2} * i, oneMore(part));
+            even, odd, [&](Kpr64s i, bool last) __attribute__((always_inline)) {
+                const Vec<Kpr8u> pixels = last ? loadOnce(src + 2 * i, part) : loadOnce(src + 2 * i, oneMore(part));
                 even.add(pixels, evenPair(i));
                 odd.add(pixels, oddPair(i));
             });
         Vec<Kpr16u> lower, upper;
         divide(even, odd, halfOf(nearest, 0x5555555555555555), halfOf(nearest, 0xaaaaaaaaaaaaaaaa), lower, upper);
-        store(dst, as<Kpr8u>(shiftRight<7>(lower) | (shiftLeft<1>(upper) & broadcast<Kpr16u>(0xff00))), stored);
+        return as<Kpr8u>(shiftRight<7>(lower) | (shiftLeft<1>(upper) & broadcast<Kpr16u>(0xff00)));
+    }
+    KPR_INLINE Row outside(const Kpr8u* src) const { return load(src, All{}); }
+
+    template <typename At>
+    KPR_INLINE Vec<Kpr8u> down(At row) const {
+        return sum(All{}, row);
     }
 
-    // Tap i over at(i), likewise.
-    template <typename Part, typename Nearest, typename At>
-    KPR_INLINE void down(Part part, Nearest nearest, At at, Kpr8u* dst, auto stored) const {
+  private:
+    // Tap i times at(i).
+    template <typename Nearest, typename At>
+    KPR_INLINE Vec<Kpr8u> sum(Nearest nearest, At at) const {
         Digits lower, upper;
         eachPair(
-            lower, upper, [&](int i, bool last) __attribute__((always_inline)) {
-                const Vec<Kpr8u> first = loadOnce(at(2 * i), part);
-                const Vec<Kpr8u> second = last ? first : loadOnce(at(2 * i + 1), part);
+            lower, upper, [&](auto i, bool last) __attribute__((always_inline)) {
+                const Vec<Kpr8u> first = at(twice(i)), second = last ? first : at(twice(i, Turn<1>{}));
                 const PairWeights weights = evenPair(i);
                 lower.add(interleaveLower(first, second), weights);
                 upper.add(interleaveUpper(first, second), weights);
             });
         Vec<Kpr16u> a, b;
         divide(lower, upper, halfOf(nearest, 0x00ff00ff00ff00ff), halfOf(nearest, 0xff00ff00ff00ff00), a, b);
-        store(dst, join(shiftRight<7>(a), shiftRight<7>(b)), stored);
+        return join(shiftRight<7>(a), shiftRight<7>(b));
     }
 
-  private:
+    // 2 * i + more; of a turn, a turn.
+    template <int i, int more = 0>
+    KPR_INLINE static Turn<2 * i + more> twice(Turn<i>, Turn<more> = {}) {
+        return {};
+    }
+    template <int more = 0>
+    KPR_INLINE static int twice(int i, Turn<more> = {}) {
+        return 2 * i + more;
+    }
+
     static constexpr int kKept = (size + 1) / 2;
 
     // The half that is added to the lanes which stand for those pixels.
@@ -159,7 +180,7 @@ class ByteTaps {
     KPR_INLINE void eachPair(Digits& a, Digits& b, Step step) const {
         if constexpr (size > 0) {
             takeTurns<kKept - 1>([&](auto i) __attribute__((always_inline)) { step(i, false); });
-            step(kKept - 1, true);
+            step(Turn<kKept - 1>{}, true);
         } else {
             const int last = kernelSize_ / 2;
             for (int i = 0; i < last;) {
@@ -170,10 +191,10 @@ class ByteTaps {
             step(last, true);
         }
     }
-    [[nodiscard]] KPR_INLINE PairWeights evenPair(int i) const {
+    [[nodiscard]] KPR_INLINE PairWeights evenPair(Kpr64s i) const {
         return size == 0 ? PairWeights(pairs_->even[i]) : even_[i];
     }
-    [[nodiscard]] KPR_INLINE PairWeights oddPair(int i) const {
+    [[nodiscard]] KPR_INLINE PairWeights oddPair(Kpr64s i) const {
         return size == 0 ? PairWeights(pairs_->odd[i]) : odd_[i];
     }
 
@@ -185,8 +206,14 @@ class ByteTaps {
 // Three taps k, 4096 - 2k, k: with x = a + c - 2b the result is b + k * x / 4096, one product in 16 bits. It rounds
 // half up; but a tie asks for a multiple of 2048 among k * x, which |x| below 512 does not give if k is no multiple
 // of 8.
+template <int channels>
 class CentredTaps {
   public:
+    static constexpr int kRadius = 1;
+    struct Row {
+        Vec<Kpr16s> lower, upper;
+    };
+
     static bool serves(const Kpr16s* kernel, int kernelSize, int divisor) {
         return divisor == 4096 && kernelSize == 3 && kernel[0] > 0 && kernel[0] < 2048 && kernel[0] % 8 != 0 &&
                kernel[2] == kernel[0] && kernel[1] + 2 * kernel[0] == 4096;
@@ -196,41 +223,37 @@ class CentredTaps {
         : nearest_(broadcast(static_cast<Kpr16s>(outer * 8))), truncated_(broadcast(static_cast<Kpr16s>(outer * 16))) {}
 
     template <typename Part, typename Nearest>
-    KPR_INLINE void along(Part part, Nearest nearest, const Kpr8u* src, Kpr8u* dst, auto stored) const {
-        down(
-            part, nearest, [&](int i) { return src + i; }, dst, stored);
+    KPR_INLINE Row across(Part part, Nearest nearest, const Kpr8u* src) const {
+        const Vec<Kpr8u> a = loadOnce(src, part), c = loadOnce(src + 2 * channels, part);
+        const Row b = outside(load(src + channels, part));
+        const auto beside = [](Vec<Kpr8u> pairs) { return sumPairs(pairs, broadcast<Kpr8s>(1)); };
+        return {between(beside(interleaveLower(a, c)), b.lower, nearest, 0x00ff00ff00ff00ff),
+                between(beside(interleaveUpper(a, c)), b.upper, nearest, 0xff00ff00ff00ff00)};
     }
+    KPR_INLINE Row outside(const Kpr8u* src) const { return outside(load(src, All{})); }
 
-    template <typename Part, typename Nearest, typename At>
-    KPR_INLINE void down(Part part, Nearest nearest, At at, Kpr8u* dst, auto stored) const {
-        const Vec<Kpr8u> a = loadOnce(at(0), part), b = loadOnce(at(1), part), c = loadOnce(at(2), part);
-        const Vec<Kpr8u> none = zero<Kpr8u>();
-        const Vec<Kpr16s> lower =
-            between(interleaveLower(a, c), as<Kpr16s>(interleaveLower(b, none)), nearest, 0x00ff00ff00ff00ff);
-        const Vec<Kpr16s> upper =
-            between(interleaveUpper(a, c), as<Kpr16s>(interleaveUpper(b, none)), nearest, 0xff00ff00ff00ff00);
-        store(dst, join(as<Kpr16u>(lower), as<Kpr16u>(upper)), stored);
+    template <typename At>
+    KPR_INLINE Vec<Kpr8u> down(At row) const {
+        const Row a = row(Turn<0>{}), b = row(Turn<1>{}), c = row(Turn<2>{});
+        const Vec<Kpr16s> lower = between(a.lower + c.lower, b.lower, All{}, 0);
+        const Vec<Kpr16s> upper = between(a.upper + c.upper, b.upper, All{}, 0);
+        return join(as<Kpr16u>(lower), as<Kpr16u>(upper));
     }
 
   private:
-    KPR_INLINE Vec<Kpr16s> between(Vec<Kpr8u> beside, Vec<Kpr16s> b, All, Bits64) const {
-        return b + mulRounded(difference(beside, b), nearest_);
+    KPR_INLINE static Row outside(Vec<Kpr8u> v) {
+        return {as<Kpr16s>(interleaveLower(v, zero<Kpr8u>())), as<Kpr16s>(interleaveUpper(v, zero<Kpr8u>()))};
     }
-    KPR_INLINE Vec<Kpr16s> between(Vec<Kpr8u> beside, Vec<Kpr16s> b, Lanes nearest, Bits64 pixels) const {
-        const Vec<Kpr16s> x = difference(beside, b);
+    KPR_INLINE Vec<Kpr16s> between(Vec<Kpr16s> beside, Vec<Kpr16s> b, All, Bits64) const {
+        return b + mulRounded(beside - (b + b), nearest_);
+    }
+    KPR_INLINE Vec<Kpr16s> between(Vec<Kpr16s> beside, Vec<Kpr16s> b, Lanes nearest, Bits64 pixels) const {
+        const Vec<Kpr16s> x = beside - (b + b);
         const auto lanes = static_cast<Mask<Kpr16s>>(gatherBits(nearest.bits, pixels));
         return b + select<Kpr16s>(lanes, mulRounded(x, nearest_), mulHigh(x, truncated_));
     }
-    KPR_INLINE static Vec<Kpr16s> difference(Vec<Kpr8u> beside, Vec<Kpr16s> b) {
-        return sumPairs(beside, broadcast<Kpr8s>(1)) - (b + b);
-    }
 
     Vec<Kpr16s> nearest_, truncated_;
-};
-
-// The elements of a row that are rounded to nearest; those that read a synthesised pixel are truncated.
-struct Inside {
-    Kpr64s begin, end;
 };
 
 // One call for a row, which looks up the taps once. Every part begins with a whole vector of dst, and whole vectors are
@@ -239,28 +262,17 @@ template <int channels, typename Taps>
 [[gnu::noinline]] void filterByteRow(const Taps& shared, const RowParts<Kpr8u>& parts, Inside inside, Kpr8u* dst) {
     const Taps taps = shared;
     constexpr Kpr64s lanes = kLanes<Kpr8u>;
-    const auto apply = [&](auto part, auto nearest, const Kpr8u* s, Kpr8u* d) __attribute__((always_inline)) {
-        if constexpr (channels == 1)
-            taps.along(part, nearest, s, d, All{});
-        else
-            taps.down(
-                part, nearest, [&](Kpr64s i) { return s + i * channels; }, d, All{});
-    };
     for (const RowPart<Kpr8u>& row : parts) {
         const Kpr64s first = row.x * channels, count = row.count * channels;
+        const auto apply = [&](auto part, auto nearest, Kpr64s x) __attribute__((always_inline)) {
+            store(dst + first + x, taps.across(part, nearest, row.src + x), All{});
+        };
         Kpr64s x = 0;
         if (!row.atEdge) {
-            for (; x + lanes <= count; x += lanes) apply(All{}, All{}, row.src + x, dst + first + x);
+            for (; x + lanes <= count; x += lanes) apply(All{}, All{}, x);
         }
-        for (; x < count; x += lanes) {
-            const Kpr64s begin = std::clamp(inside.begin - first - x, Kpr64s{0}, lanes);
-            const Kpr64s end = std::clamp(inside.end - first - x, begin, lanes);
-            const Lanes nearest = {First{end}.bits & ~First{begin}.bits};
-            if (x + lanes <= count)
-                apply(All{}, nearest, row.src + x, dst + first + x);
-            else
-                apply(First{count - x}, nearest, row.src + x, dst + first + x);
-        }
+        for (; x + lanes <= count; x += lanes) apply(All{}, inside.from(first + x), x);
+        if (x < count) apply(First{count - x}, inside.from(first + x), x);
     }
 }
 
@@ -268,8 +280,8 @@ template <typename Taps>
 [[gnu::noinline]] void filterByteColumn(const Taps& shared, const Kpr8u* const* rows, Kpr8u* dst, Kpr64s count) {
     const Taps taps = shared;
     walkStretches<kLanes<Kpr8u>, 1>(count, [&]<int>(auto part, Kpr64s x) {
-        taps.down(
-            part, All{}, [&](int i) { return rows[i] + x; }, dst + x, part);
+        const auto at = [&](int i) __attribute__((always_inline)) { return load(rows[i] + x, part); };
+        store(dst + x, taps.down(at), part);
     });
 }
 

@@ -8,6 +8,7 @@
 //                2  0  2        4 -8 -24  -8  4
 //                               4  0  -8   0  4
 //                               2  4   4   4  2
+#include "filter/byte_walk.h"
 #include "filter/fixed_kernels.h"
 #include "filter/pipeline_sizes.h"
 
@@ -28,43 +29,38 @@ struct Average : Separable<T, Ones, Ones> {
     }
 };
 
-// Bytes go by 64 columns: sums of the even ones, then of the odd ones, each of which takes a pair of neighbours at
-// once. Whole vectors of sums are stored, also of a row's last columns.
-template <typename Ones>
-struct Average<Kpr16s, Ones> {
-    using Middle = Kpr16s;
-    static constexpr int kStep = kLanes<Kpr8u>;
-    static constexpr int kRadius = Ones::kRadius;
-    static constexpr int kPlanes = 1;
+// Bytes, walked down: the sums of 32 even columns and of 32 odd ones, each of which takes a pair of neighbours at once.
+template <int radius>
+struct ByteAverage {
+    static constexpr int kRadius = radius;
+    struct Row {
+        Vec<Kpr16s> even, odd;
+    };
 
-    template <typename Part>
-    KPR_INLINE static void across(Part part, const Kpr8u* s, Kpr16s* out, Kpr64s) {
+    template <typename Part, typename Nearest>
+    KPR_INLINE static Row across(Part part, Nearest, const Kpr8u* src) {
         const auto pairs = [](Vec<Kpr8u> v) { return sumPairs(v, broadcast<Kpr8s>(1)); };
         const auto even = [](Vec<Kpr8u> v) { return as<Kpr16s>(v) & broadcast<Kpr16s>(0xff); };
         const auto odd = [](Vec<Kpr8u> v) { return as<Kpr16s>(shiftRight<8>(as<Kpr16u>(v))); };
-        const Vec<Kpr16s> here = pairs(loadOnce(s, oneMore(part)));
-        Vec<Kpr16s> evens, odds;
-        if constexpr (kRadius == 1) {
-            evens = even(load(s - 1, part)) + here;
-            odds = here + odd(load(s + 1, part));
-        } else {
-            const Vec<Kpr8u> before = loadOnce(s - 2, oneMore(part)), after = loadOnce(s + 2, part);
-            evens = pairs(before) + here + even(after);
-            odds = odd(before) + here + pairs(after);
-        }
-        store(out, evens, All{});
-        store(out + kLanes<Kpr16s>, odds, All{});
+        const Vec<Kpr16s> here = pairs(loadOnce(src + radius, oneMore(part)));
+        if constexpr (radius == 1) return {even(load(src, part)) + here, here + odd(load(src + 2, part))};
+        const Vec<Kpr8u> before = loadOnce(src, oneMore(part)), after = loadOnce(src + 4, part);
+        return {pairs(before) + here + even(after), odd(before) + here + pairs(after)};
     }
+    KPR_INLINE static Row outside(const Kpr8u* src) { return across(All{}, All{}, src); }
 
-    template <typename Part, typename At>
-    KPR_INLINE static void down(Part part, At at, Kpr8u* dst) {
-        const auto average = [&](int plane) {
-            const Vec<Kpr16s> s =
-                Ones::template sum<Kpr16s>([=](int i) { return load(at(i, 0) + plane * kLanes<Kpr16s>, All{}); });
-            const Vec<Kpr16s> sum = kRadius == 1 ? s + broadcast<Kpr16s>(5) : s;
-            return mulHigh(as<Kpr16u>(sum), broadcast<Kpr16u>(kRadius == 1 ? 7280 : 2621));
+    template <typename At>
+    KPR_INLINE static Vec<Kpr8u> down(At row) {
+        Vec<Kpr16s> even = zero<Kpr16s>(), odd = broadcast<Kpr16s>(0);
+        if constexpr (radius == 1) even = odd = broadcast<Kpr16s>(5);
+        takeTurns<2 * radius + 1>([&](auto i) __attribute__((always_inline)) {
+            even = even + row(i).even;
+            odd = odd + row(i).odd;
+        });
+        const auto average = [](Vec<Kpr16s> sum) {
+            return mulHigh(as<Kpr16u>(sum), broadcast<Kpr16u>(radius == 1 ? 7280 : 2621));
         };
-        store(dst, as<Kpr8u>(average(0) | shiftLeft<8>(average(1))), part);
+        return as<Kpr8u>(average(even) | shiftLeft<8>(average(odd)));
     }
 };
 template <typename T>
@@ -76,7 +72,6 @@ using Average5 = Average<T, Ones5>;
 template <typename T>
 struct Laplacian3 {
     using Middle = T;
-    static constexpr int kStep = kLanes<T>;
     static constexpr int kRadius = 1;
     static constexpr int kPlanes = 2;
 
@@ -96,7 +91,6 @@ struct Laplacian3 {
 template <typename T>
 struct Laplacian5 {
     using Middle = T;
-    static constexpr int kStep = kLanes<T>;
     static constexpr int kRadius = 2;
     static constexpr int kPlanes = 3;
 
@@ -162,14 +156,24 @@ KprStatus filterMask(const Src* src, int srcStep, Dst* dst, int dstStep, KprSize
         firstFailure(notNull(src, dst, buffer), roiHolds(roi), rowsFit<Src>(roi.width, srcStep),
                      rowsFit<Dst>(roi.width, dstStep), multiples, borderServesFilter(border), maskHolds(mask));
     if (status != kprStatusOk) return status;
-    const auto filter = [&]<typename Rule>() {
-        filterFixed<Rule>(columnsOf(roi.width, border), rowsOf(roi.height, border), Rows<const Src>{src, srcStep},
-                          Rows<Dst>{dst, dstStep}, value, alignedUp<Middle>(buffer, 64),
-                          Kpr64s{padded(static_cast<Bytes32>(roi.width), std::max(16, Rule::kStep))});
-        return kprStatusOk;
-    };
-    if (mask == kprMaskSize3x3) return filter.template operator()<Rule3<Middle>>();
-    return filter.template operator()<Rule5<Middle>>();
+    if constexpr (std::is_same_v<Dst, Kpr8u>) {
+        const auto walk = [&](const auto& rule) {
+            walkBytes<1>(rule, columnsOf(roi.width, border), rowsOf(roi.height, border), {src, srcStep}, {dst, dstStep},
+                         &value);
+            return kprStatusOk;
+        };
+        if (mask == kprMaskSize3x3) return walk(ByteAverage<1>{});
+        return walk(ByteAverage<2>{});
+    } else {
+        const auto filter = [&]<typename Rule>() {
+            filterFixed<Rule>(columnsOf(roi.width, border), rowsOf(roi.height, border), Rows<const Src>{src, srcStep},
+                              Rows<Dst>{dst, dstStep}, value, alignedUp<Middle>(buffer, 64),
+                              Kpr64s{padded(static_cast<Bytes32>(roi.width), 16)});
+            return kprStatusOk;
+        };
+        if (mask == kprMaskSize3x3) return filter.template operator()<Rule3<Middle>>();
+        return filter.template operator()<Rule5<Middle>>();
+    }
 }
 
 }  // namespace

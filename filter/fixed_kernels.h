@@ -53,7 +53,6 @@ using Ones5 = Kernel<1, 1, 1, 1, 1>;
 template <typename T, typename Across, typename Down>
 struct Separable {
     using Middle = T;
-    static constexpr int kStep = kLanes<T>;  // columns of a step
     static constexpr int kRadius = Across::kRadius;
     static constexpr int kPlanes = 1;
 
@@ -70,7 +69,7 @@ struct Separable {
 // out[x] for `count` columns; `s` lies under the kernel's centre.
 template <typename Rule, typename Src>
 [[gnu::noinline]] void filterAcross(const Src* s, typename Rule::Middle* out, Kpr64s plane, Kpr64s count) {
-    walkRow<Rule::kStep>(
+    walkRow<kLanes<typename Rule::Middle>>(
         count, [plane](auto part, const Src* from, typename Rule::Middle* to) { Rule::across(part, from, to, plane); },
         s, out);
 }
@@ -81,7 +80,7 @@ template <typename Rule, typename Dst>
     constexpr int size = 2 * Rule::kRadius + 1;
     const Middle* rows[size];  // a copy: a store to dst could change the window, for all that a compiler knows
     for (int i = 0; i < size; ++i) rows[i] = window[i];
-    walkRow<Rule::kStep>(
+    walkRow<kLanes<typename Rule::Middle>>(
         count,
         [rows, plane, dst](auto part, Dst* d) {
             Rule::down(
@@ -96,8 +95,7 @@ void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Sr
                  Kpr64s plane) {
     using Middle = typename Rule::Middle;
     constexpr int radius = Rule::kRadius;
-    constexpr Kpr64s lanes = Rule::kStep;
-    const Kpr64s filled = lanes > kLanes<Middle> ? (columns.size + lanes - 1) & -lanes : columns.size;
+    constexpr Kpr64s lanes = kLanes<Middle>;
     EdgedRows<Src, 1, lanes> edged(src, endOf(rows, radius), columns, radius, radius, &value, nullptr);
     walkRing(
         rows, radius, Ring<Middle>{ring, Rule::kPlanes * plane, nullptr},
@@ -111,7 +109,7 @@ void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Sr
             for (Src& pixel : constants) pixel = value;
             filterAcross<Rule>(constants + radius, filtered, lanes, lanes);
             for (int i = 0; i < Rule::kPlanes; ++i)
-                fillPixels<1>(out + Kpr64s{i} * plane, filled, filtered + Kpr64s{i} * lanes);
+                fillPixels<1>(out + Kpr64s{i} * plane, columns.size, filtered + Kpr64s{i} * lanes);
         },
         [&](const Middle* const* from, Kpr64s y) { filterDown<Rule>(from, plane, dst[y], columns.size); });
 }

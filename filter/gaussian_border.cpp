@@ -68,8 +68,7 @@ KprStatus smoothBytes(const Call<Kpr8u>& call, const Taps& taps) {
     const int radius = call.kernelSize / 2;
     const Axis rows = rowsOf(call.roi.height, call.border), columns = columnsOf(call.roi.width, call.border);
     const Kpr64s width = Kpr64s{channels} * call.roi.width;
-    const Inside inside = {columns.lowInMemory ? 0 : Kpr64s{radius} * channels,
-                           columns.highInMemory ? width : width - Kpr64s{radius} * channels};
+    const Inside inside = insideOf(columns, radius, channels);
     EdgedRows<Kpr8u, channels, kLanes<Kpr8u>> edged(call.src, endOf(rows, radius), columns, radius, radius, call.value,
                                                     nullptr);
     walkRing(
@@ -80,15 +79,25 @@ KprStatus smoothBytes(const Call<Kpr8u>& call, const Taps& taps) {
     return kprStatusOk;
 }
 
+template <int channels, typename Taps>
+KprStatus walkBytes(const Call<Kpr8u>& call, const Taps& taps) {
+    n0::walkBytes<channels>(taps, columnsOf(call.roi.width, call.border), rowsOf(call.roi.height, call.border),
+                            call.src, call.dst, call.value);
+    return kprStatusOk;
+}
+
 template <int channels, typename T>
 KprStatus smoothIntegers(const Call<T>& call, const Kpr16s* kernel, int divisor) {
     return withSize(call.kernelSize, [&]<int size>() {
         if constexpr (sizeof(T) == 1) {
+            if (CentredTaps<channels>::serves(kernel, call.kernelSize, divisor))
+                return walkBytes<channels>(call, CentredTaps<channels>(kernel[0]));
             BytePairs pairs;
-            if (size == 3 && CentredTaps::serves(kernel, call.kernelSize, divisor))
-                return smoothBytes<channels>(call, CentredTaps(kernel[0]));
-            if (pairs.make(kernel, call.kernelSize, divisor))
-                return smoothBytes<channels>(call, ByteTaps<size>(pairs, call.kernelSize));
+            if (pairs.make(kernel, call.kernelSize, divisor)) {
+                const ByteTaps<channels, size> taps(pairs, call.kernelSize);
+                if constexpr (size > 0) return walkBytes<channels>(call, taps);
+                return smoothBytes<channels>(call, taps);
+            }
         }
         // 16-bit blocks have a divisor of 32768.
         constexpr bool shrinks = sizeof(T) > 1;

@@ -1,0 +1,105 @@
+// Small filters of bytes into bytes without a ring: 64 columns at a time are walked down, with the rows of the kernel
+// in registers.
+//
+// A rule has kRadius, a type Row of 64 filtered columns, and
+//
+//     across(part, nearest, src)    columns from src on, the first pixel that they read; `nearest` tells of those that
+//     read
+//                                   no pixel of the border
+//     outside(src)                  the same of a row that the constant border makes, src holding the constant
+//     down(row)                     the results of row(Turn<0>{}) to row(Turn<2 * kRadius>{})
+#pragma once
+
+#include "filter/border_rule.h"
+#include "primitives/rows.h"
+
+namespace n0 {
+
+// The elements of a row that read no synthesised pixel.
+struct Inside {
+    Kpr64s begin, end;
+
+    // Which of 64 elements from x on.
+    [[nodiscard]] KPR_INLINE Lanes from(Kpr64s x) const {
+        const Kpr64s first = std::clamp<Kpr64s>(begin - x, 0, 64), last = std::clamp<Kpr64s>(end - x, first, 64);
+        return {First{last}.bits & ~First{first}.bits};
+    }
+};
+
+constexpr Inside insideOf(Axis columns, int radius, int channels) {
+    return {columns.lowInMemory ? 0 : Kpr64s{radius} * channels,
+            (columns.size - (columns.highInMemory ? 0 : radius)) * channels};
+}
+
+// Rows begin to end - 1 of 64 columns. Row y of the source lies at src[y - first].
+template <typename Rule, typename Part, typename Nearest>
+[[gnu::noinline]] void walkBytesDown(const Rule& shared, Part part, Nearest nearest, Axis rows, Rows<const Kpr8u> src,
+                                     Kpr64s first, const Kpr8u* constants, Rows<Kpr8u> dst, Kpr64s begin, Kpr64s end) {
+    constexpr int radius = Rule::kRadius;
+    const Rule rule = shared;
+    const auto across = [&](Kpr64s y) __attribute__((always_inline)) {
+        const Kpr64s from = rows(y);
+        return from == kConstant ? rule.outside(constants) : rule.across(part, nearest, src[from - first]);
+    };
+    // The rows take turns in the registers.
+    constexpr int size = 2 * radius + 1;
+    typename Rule::Row row[size];
+    takeTurns<size - 1>([&](auto i) __attribute__((always_inline)) { row[i] = across(begin - radius + i); });
+    const auto result = [&](auto turn) __attribute__((always_inline)) {
+        return rule.down([&](auto i) __attribute__((always_inline)) { return row[(turn + i) % size]; });
+    };
+    Kpr64s y = begin;
+    const Kpr64s existing = rows.highInMemory ? end : std::min(end, rows.size - radius);
+    const Kpr8u* newest = src[y + radius - first];
+    Kpr8u* out = dst[y];
+    for (; y + size <= existing; y += size) {
+        takeTurns<size>([&](auto turn) __attribute__((always_inline)) {
+            row[(turn + size - 1) % size] = rule.across(part, nearest, newest);
+            store(out, result(turn), part);
+            newest += src.step;
+            out += dst.step;
+        });
+    }
+    for (; y < end; y += size) {
+        takeTurns<size>([&](auto turn) __attribute__((always_inline)) {
+            if (y + turn >= end) return;
+            row[(turn + size - 1) % size] = across(y + turn + radius);
+            store(dst[y + turn], result(turn), part);
+        });
+    }
+}
+
+template <int channels, typename Rule>
+void walkBytes(const Rule& rule, Axis columns, Axis rows, Rows<const Kpr8u> src, Rows<Kpr8u> dst, const Kpr8u* value) {
+    constexpr int radius = Rule::kRadius;
+    constexpr Kpr64s lanes = kLanes<Kpr8u>;
+    EdgedRows<Kpr8u, channels, lanes> edged(src, endOf(rows, radius), columns, radius, radius, value, nullptr);
+    const Inside inside = insideOf(columns, radius, channels);
+    Kpr8u constants[lanes + (2 * radius + 1) * channels];
+    if (rows.mode == kprBorderConstant) {
+        for (int i = 0; i < int{sizeof constants}; ++i) constants[i] = value[i % channels];
+    }
+    const Kpr64s band = edged.mostRows() - 2 * radius;
+    for (Kpr64s begin = 0; begin < rows.size; begin += band) {
+        const Kpr64s end = std::min(begin + band, rows.size);
+        const Kpr64s first = rows.lowInMemory ? begin - radius : std::max<Kpr64s>(begin - radius, 0);
+        for (const RowPart<Kpr8u>& row : edged.band(first, std::min(end + radius, endOf(rows, radius)) - first)) {
+            const Kpr64s count = row.count * channels;
+            for (Kpr64s x = 0; x < count; x += lanes) {
+                const Kpr64s at = row.x * channels + x;
+                const auto walk = [&](auto part, auto nearest) {
+                    walkBytesDown(rule, part, nearest, rows, Rows<const Kpr8u>{row.src + x, row.step}, first,
+                                  constants + at % channels, Rows<Kpr8u>{dst.first + at, dst.step}, begin, end);
+                };
+                if (x + lanes > count)
+                    walk(First{count - x}, inside.from(at));
+                else if (row.atEdge)
+                    walk(All{}, inside.from(at));
+                else
+                    walk(All{}, All{});
+            }
+        }
+    }
+}
+
+}  // namespace n0
