@@ -1,6 +1,7 @@
 #include <vector>
 
 #include "bench/support/bench.h"
+#include "filter/sobel.h"
 
 namespace {
 
@@ -31,7 +32,14 @@ const bool registered = [] {
                    filter<Kpr8u, Kpr16s>(kpriFilterSobelCrossBorder_8u16s_C1R, mask));
         bench::add("FilterSobelCross_32f_C1R" + ending,
                    filter<Kpr32f, Kpr32f>(kpriFilterSobelCrossBorder_32f_C1R, mask));
+        bench::add("FilterSobelVert_8u16s_C1R" + ending,
+                   filter<Kpr8u, Kpr16s>(kpriFilterSobelVertBorder_8u16s_C1R, mask));
+        bench::add("FilterSobelHoriz_8u16s_C1R" + ending,
+                   filter<Kpr8u, Kpr16s>(kpriFilterSobelHorizBorder_8u16s_C1R, mask));
+        bench::add("FilterSobelVert_32f_C1R" + ending, filter<Kpr32f, Kpr32f>(kpriFilterSobelVertBorder_32f_C1R, mask));
     }
+    bench::add("FilterScharrVert_8u16s_C1R/mask33",
+               filter<Kpr8u, Kpr16s>(kpriFilterScharrVertMaskBorder_8u16s_C1R, kprMaskSize3x3));
     return true;
 }();
 
