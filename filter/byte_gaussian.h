@@ -106,7 +106,7 @@ KPR_INLINE void divide(const Digits& a, const Digits& b, Vec<Kpr16u> halfA, Vec<
 template <int channels, int size>
 class ByteTaps {
   public:
-    static constexpr int kRadius = size / 2;
+    static constexpr int kRadius = size / 2;  // 0 where it is not known
     using Row = Vec<Kpr8u>;
 
     ByteTaps(const BytePairs& pairs, int kernelSize) : pairs_(&pairs), kernelSize_(kernelSize) {

@@ -3,14 +3,13 @@
 //
 // A rule has kRadius, a type Row of 64 filtered columns, and
 //
-//     across(part, nearest, src)    columns from src on, the first pixel that they read; `nearest` tells of those that
-//     read
-//                                   no pixel of the border
-//     outside(src)                  the same of a row that the constant border makes, src holding the constant
-//     down(row)                     the results of row(Turn<0>{}) to row(Turn<2 * kRadius>{})
+//     across(part, nearest, src)   filters columns that read pixels from src on; those of `nearest` read none that the
+//                                  border rule has made
+//     outside(src)                 the same of a row that lies in a constant border, of which src holds a piece
+//     down(row)                    makes results of row(Turn<0>{}) to row(Turn<2 * kRadius>{})
 #pragma once
 
-#include "filter/border_rule.h"
+#include "filter/edged_rows.h"
 #include "primitives/rows.h"
 
 namespace n0 {
@@ -41,13 +40,13 @@ template <typename Rule, typename Part, typename Nearest>
         const Kpr64s from = rows(y);
         return from == kConstant ? rule.outside(constants) : rule.across(part, nearest, src[from - first]);
     };
-    // The rows take turns in the registers.
     constexpr int size = 2 * radius + 1;
     typename Rule::Row row[size];
     takeTurns<size - 1>([&](auto i) __attribute__((always_inline)) { row[i] = across(begin - radius + i); });
     const auto result = [&](auto turn) __attribute__((always_inline)) {
         return rule.down([&](auto i) __attribute__((always_inline)) { return row[(turn + i) % size]; });
     };
+    // The rows take turns in their registers. Most are followed by a row that exists: that one is a step away.
     Kpr64s y = begin;
     const Kpr64s existing = rows.highInMemory ? end : std::min(end, rows.size - radius);
     const Kpr8u* newest = src[y + radius - first];

@@ -5,6 +5,7 @@
 // steps. A tap of zero takes no part: what lies under it is not looked at.
 #pragma once
 
+#include "filter/edged_rows.h"
 #include "filter/ring.h"
 #include "primitives/rows.h"
 

@@ -1,4 +1,5 @@
-// The Gaussian filter with 32-bit sizes: the row and the column stage with one kernel, and a ring of rows between them.
+// The Gaussian filter with 32-bit sizes: the row and the column stage with one kernel, and a ring of rows between them
+// where they do not stay in registers.
 //
 // The rows of an integer image are rounded to integers between the stages: those of 8u to 16s, to nearest, but in the
 // columns that read a synthesised pixel by truncation. A row outside the ROI is a filtered row that the border word
@@ -62,27 +63,25 @@ KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& 
     return kprStatusOk;
 }
 
-// The ring of bytes takes half of the room that the buffer has for words.
+// Bytes that stay bytes between the stages: by columns where the kernel is small, else by a ring, which takes half of
+// the room that the buffer has for words.
 template <int channels, typename Taps>
 KprStatus smoothBytes(const Call<Kpr8u>& call, const Taps& taps) {
-    const int radius = call.kernelSize / 2;
     const Axis rows = rowsOf(call.roi.height, call.border), columns = columnsOf(call.roi.width, call.border);
-    const Kpr64s width = Kpr64s{channels} * call.roi.width;
-    const Inside inside = insideOf(columns, radius, channels);
-    EdgedRows<Kpr8u, channels, kLanes<Kpr8u>> edged(call.src, endOf(rows, radius), columns, radius, radius, call.value,
-                                                    nullptr);
-    walkRing(
-        rows, radius, Ring<Kpr8u>{alignedUp<Kpr8u>(call.buffer, 64), (width + 63) & ~Kpr64s{63}, nullptr},
-        [&](Kpr64s y, Kpr8u* out) { filterByteRow<channels>(taps, edged.row(y), inside, out); },
-        [&](Kpr8u* out) { fillPixels<channels>(out, call.roi.width, call.value); },
-        [&](const Kpr8u* const* window, Kpr64s y) { filterByteColumn(taps, window, call.dst[y], width); });
-    return kprStatusOk;
-}
-
-template <int channels, typename Taps>
-KprStatus walkBytes(const Call<Kpr8u>& call, const Taps& taps) {
-    n0::walkBytes<channels>(taps, columnsOf(call.roi.width, call.border), rowsOf(call.roi.height, call.border),
-                            call.src, call.dst, call.value);
+    if constexpr (Taps::kRadius > 0) {
+        walkBytes<channels>(taps, columns, rows, call.src, call.dst, call.value);
+    } else {
+        const int radius = call.kernelSize / 2;
+        const Kpr64s width = Kpr64s{channels} * call.roi.width;
+        const Inside inside = insideOf(columns, radius, channels);
+        EdgedRows<Kpr8u, channels, kLanes<Kpr8u>> edged(call.src, endOf(rows, radius), columns, radius, radius,
+                                                        call.value, nullptr);
+        walkRing(
+            rows, radius, Ring<Kpr8u>{alignedUp<Kpr8u>(call.buffer, 64), (width + 63) & ~Kpr64s{63}, nullptr},
+            [&](Kpr64s y, Kpr8u* out) { filterByteRow<channels>(taps, edged.row(y), inside, out); },
+            [&](Kpr8u* out) { fillPixels<channels>(out, call.roi.width, call.value); },
+            [&](const Kpr8u* const* window, Kpr64s y) { filterByteColumn(taps, window, call.dst[y], width); });
+    }
     return kprStatusOk;
 }
 
@@ -91,13 +90,10 @@ KprStatus smoothIntegers(const Call<T>& call, const Kpr16s* kernel, int divisor)
     return withSize(call.kernelSize, [&]<int size>() {
         if constexpr (sizeof(T) == 1) {
             if (CentredTaps<channels>::serves(kernel, call.kernelSize, divisor))
-                return walkBytes<channels>(call, CentredTaps<channels>(kernel[0]));
+                return smoothBytes<channels>(call, CentredTaps<channels>(kernel[0]));
             BytePairs pairs;
-            if (pairs.make(kernel, call.kernelSize, divisor)) {
-                const ByteTaps<channels, size> taps(pairs, call.kernelSize);
-                if constexpr (size > 0) return walkBytes<channels>(call, taps);
-                return smoothBytes<channels>(call, taps);
-            }
+            if (pairs.make(kernel, call.kernelSize, divisor))
+                return smoothBytes<channels>(call, ByteTaps<channels, size>(pairs, call.kernelSize));
         }
         // 16-bit blocks have a divisor of 32768.
         constexpr bool shrinks = sizeof(T) > 1;

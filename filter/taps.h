@@ -8,7 +8,7 @@
 
 #include <utility>
 
-#include "filter/border_rule.h"
+#include "filter/edged_rows.h"
 
 namespace n0 {
 
