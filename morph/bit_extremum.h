@@ -1,6 +1,7 @@
 // Dilation and erosion of checked 1-bit images: a call in the form of either interface, its checks and its plan.
 #pragma once
 
+#include "morph/bit_ribbon.h"
 #include "morph/bit_square.h"
 #include "morph/bit_walk.h"
 #include "morph/extremum.h"
@@ -64,6 +65,8 @@ KprStatus bitExtremum(const BitJob& job, Taps taps, BitRows<const Kpr8u> other) 
                 sink.put(y, x, sink.stretch(x), read(job.src.bytes[y], x), part);
             });
         }
+    } else if (!Put::kReadsOther && feature.plan == Feature::Rectangle && BitRibbon<Rule>::serves(job, window)) {
+        BitRibbon<Rule>(job).run();
     } else if (feature.plan == Feature::Rectangle && BitSquare<Rule, Put, 1>::serves(window)) {
         BitSquare<Rule, Put, 1>(job, other).run();
     } else if (feature.plan == Feature::Rectangle && BitSquare<Rule, Put, 2>::serves(window)) {

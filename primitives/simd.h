@@ -462,6 +462,11 @@ KPR_INLINE Vec<Kpr16u> operator>>(Vec<Kpr16u> v, Vec<Kpr16u> counts) {
     return vec<Kpr16u>(_mm512_srlv_epi16(bits(v), bits(counts)));
 }
 
+// Each lane's bits moved up by as many as the same lane of the counts says, those that fall out coming in below.
+KPR_INLINE Vec<Kpr32s> rotateBits(Vec<Kpr32s> v, Vec<Kpr32s> counts) {
+    return vec<Kpr32s>(_mm512_rolv_epi32(bits(v), bits(counts)));
+}
+
 // Any function of three bits, bit by bit: `table` is what it makes of the columns 0xf0, 0xcc and 0xaa.
 template <int table, typename T>
 KPR_INLINE Vec<T> combine(Vec<T> a, Vec<T> b, Vec<T> c) {
@@ -596,6 +601,11 @@ KPR_INLINE Vec<T> laneConstant(Rule) {
 // Lane i is v's lane from[i].
 KPR_INLINE Vec<Kpr32s> permute(Vec<Kpr32s> v, Vec<Kpr32s> from) {
     return vec<Kpr32s>(_mm512_permutexvar_epi32(bits(from), bits(v)));
+}
+
+// Lane i is lane from[i] of those of a and, from 16 on, of b.
+KPR_INLINE Vec<Kpr32s> permute(Vec<Kpr32s> a, Vec<Kpr32s> b, Vec<Kpr32s> from) {
+    return vec<Kpr32s>(_mm512_permutex2var_epi32(bits(a), bits(from), bits(b)));
 }
 
 // Byte i is v's byte from[i] of the same 16 bytes, counted from their first.

@@ -25,14 +25,17 @@ struct Margins {
           bottom((word & kprBorderInMemBottom) != 0 ? reach * element.reachY() : 0) {}
 };
 
-// A 1-bit image that begins at any bit, in the bytes that hold it and its margins and no others.
+enum class Layout { Any, Gapless };  // rows from any bit on, with or without bytes between; whole bytes without
+
+// A 1-bit image in the bytes that hold it and its margins and no others.
 class BitImage {
   public:
-    BitImage(KprSize size, Random& random, Margins margins = {})
+    BitImage(KprSize size, Random& random, Margins margins = {}, Layout layout = Layout::Any)
         : size_(size),
-          first_(random.range(0, 7) + margins.left),
+          first_((layout == Layout::Gapless ? 0 : random.range(0, 7)) + margins.left),
           top_(margins.top),
-          bytes_({(first_ + size.width + margins.right + 7) / 8, margins.top + size.height + margins.bottom}, random) {
+          bytes_(inBytes({(first_ + size.width + margins.right + 7) / 8, margins.top + size.height + margins.bottom},
+                         random, layout)) {
         const int density = random.range(1, 6);  // erosions want many set pixels, dilations few
         bytes_.forEach([&](Kpr8u& byte) {
             byte = 0;
@@ -57,6 +60,10 @@ class BitImage {
     void restore(const std::vector<char>& bytes) { std::memcpy(bytes_.data(), bytes.data(), bytes.size()); }
 
   private:
+    static GuardedImage<Kpr8u> inBytes(KprSize size, Random& random, Layout layout) {
+        if (layout == Layout::Any) return {size, random};
+        return {size, 1, 0, random.oneIn(4) ? test::Guard::Before : test::Guard::After};
+    }
     Kpr8u& byteOf(int x, int y) { return bytes_.at((first_ + x) / 8, top_ + y); }
 
     KprSize size_;
@@ -126,7 +133,20 @@ struct Case {
     }
 };
 
-// run(case) for random cases of single stages at all sizes.
+// run(case) for a stage of random images.
+template <typename Run>
+void checkStage(bool dilation, KprSize size, const reference::StructuringElement& element, KprBorderType word,
+                Random& random, Run run, Layout layout = Layout::Any) {
+    const Kpr8u value = random.oneIn(2) ? Kpr8u{0} : static_cast<Kpr8u>(random.range(1, 255));
+    BitImage src(size, random, Margins(word, element, 1), layout), dst(size, random, {}, layout);
+    const Case one{src, dst, test::sizedFor(size, random), element, word, value};
+    SCOPED_TRACE(one.text());
+    const auto before = src.snapshot();
+    checkCall(dst, stageOf(dilation, element, word, value != 0 ? 255 : 0, src), [&] { return run(one); });
+    EXPECT_EQ(before, src.snapshot()) << "the source was written";
+}
+
+// The same for random cases at all sizes.
 template <typename Run>
 void checkStages(bool dilation, int rounds, Run run) {
     Random random;
@@ -135,14 +155,7 @@ void checkStages(bool dilation, int rounds, Run run) {
             const auto element = random.oneIn(12)  ? manyRuns({random.range(1, 150), random.range(3, 20)}, random)
                                  : random.oneIn(3) ? reference::StructuringElement{3, 3, std::vector<Kpr8u>(9, 1)}
                                                    : test::randomElement(random);
-            const KprBorderType word = test::randomBorder(random);
-            const Kpr8u value = random.oneIn(2) ? Kpr8u{0} : static_cast<Kpr8u>(random.range(1, 255));
-            BitImage src(size, random, Margins(word, element, 1)), dst(size, random);
-            const Case one{src, dst, test::sizedFor(size, random), element, word, value};
-            SCOPED_TRACE(one.text());
-            const auto before = src.snapshot();
-            checkCall(dst, stageOf(dilation, element, word, value != 0 ? 255 : 0, src), [&] { return run(one); });
-            EXPECT_EQ(before, src.snapshot()) << "the source was written";
+            checkStage(dilation, size, element, test::randomBorder(random), random, run);
             if (testing::Test::HasFailure()) return;
         }
     }
@@ -186,6 +199,24 @@ TEST(MorphologyOfBits, Dilation) {
 TEST(MorphologyOfBits, Erosion) {
     checkStages(false, 6, borderCall(kpriErodeBorder_1u_C1R));
     checkStages(false, 3, largeCall(kpriErode_1u_C1R_L));
+}
+
+// Rows of whole words that follow one another are one long row to the plan for a square.
+TEST(MorphologyOfBits, RowsWithoutGaps) {
+    Random random;
+    const reference::StructuringElement square{3, 3, std::vector<Kpr8u>(9, 1)};
+    static const KprBorderType bases[] = {kprBorderReplicate, kprBorderMirror, kprBorderDefault, kprBorderConstant};
+    for (int width : {448, 512, 520, 576, 640, 1088}) {
+        for (int height : {1, 2, 3, 4, 17}) {
+            for (KprBorderType base : bases) {
+                const auto word = base | static_cast<KprBorderType>(random.range(0, 3) * kprBorderInMemTop);
+                const bool dilation = random.oneIn(2);
+                checkStage(dilation, {width, height}, square, word, random,
+                           borderCall(dilation ? kpriDilateBorder_1u_C1R : kpriErodeBorder_1u_C1R), Layout::Gapless);
+                if (HasFailure()) return;
+            }
+        }
+    }
 }
 
 // run(case) for random cases of an operation, then in place.
