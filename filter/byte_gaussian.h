@@ -224,7 +224,7 @@ class CentredTaps {
 
     template <typename Part, typename Nearest>
     KPR_INLINE Row across(Part part, Nearest nearest, const Kpr8u* src) const {
-        const Vec<Kpr8u> a = loadOnce(src, part), c = loadOnce(src + 2 * channels, part);
+        const Vec<Kpr8u> a = loadOnce(src, part), c = loadOnce(src + Kpr64s{2} * channels, part);
         const Row b = outside(load(src + channels, part));
         const auto beside = [](Vec<Kpr8u> pairs) { return sumPairs(pairs, broadcast<Kpr8s>(1)); };
         return {between(beside(interleaveLower(a, c)), b.lower, nearest, 0x00ff00ff00ff00ff),

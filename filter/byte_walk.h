@@ -74,7 +74,7 @@ void walkBytes(const Rule& rule, Axis columns, Axis rows, Rows<const Kpr8u> src,
     constexpr Kpr64s lanes = kLanes<Kpr8u>;
     EdgedRows<Kpr8u, channels, lanes> edged(src, endOf(rows, radius), columns, radius, radius, value, nullptr);
     const Inside inside = insideOf(columns, radius, channels);
-    Kpr8u constants[lanes + (2 * radius + 1) * channels];
+    Kpr8u constants[lanes + Kpr64s{2 * radius + 1} * channels];
     if (rows.mode == kprBorderConstant) {
         for (int i = 0; i < int{sizeof constants}; ++i) constants[i] = value[i % channels];
     }
