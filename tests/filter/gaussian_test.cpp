@@ -215,6 +215,18 @@ TEST(FilterGaussian, BorderFormOfFloats) {
     sweepBorderForm<Kpr32f, 1>(kpriFilterGaussianBorder_32f_C1R);
     sweepBorderForm<Kpr32f, 3>(kpriFilterGaussianBorder_32f_C3R);
 }
+// Strips of edges that are too long to be held for several rows, and windows that are too tall for the stack.
+TEST(FilterGaussian, LongKernels) {
+    Random random;
+    const auto check = [&](KprSize roi, KprBorderType word) {
+        checkBorderForm<Kpr32f, 3>(kpriFilterGaussianBorder_32f_C3R, roi, 501, word, 60.0F, random);
+        checkBorderForm<Kpr16s, 1>(kpriFilterGaussianBorder_16s_C1R, roi, 1601, word, 200.0F, random);
+        checkBorderForm<Kpr8u, 3>(kpriFilterGaussianBorder_8u_C3R, roi, 65, word, 9.0F, random);
+        checkLargeForm<Kpr32f, 3>(kpriFilterGaussian_32f_C3R_L, roi, 501, word, 60.0F, random);
+    };
+    check({1, 1}, test::anyFilterWord(random));
+    for (int width : {40, 601, 1210}) check({width, 2}, kprBorderMirror | (random.range(0, 3) << 6));
+}
 TEST(FilterGaussian, LargeFormOfBytes) {
     sweepLargeForm<Kpr8u, 1>(kpriFilterGaussian_8u_C1R_L);
     sweepLargeForm<Kpr8u, 3>(kpriFilterGaussian_8u_C3R_L);
