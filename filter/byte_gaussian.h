@@ -106,7 +106,9 @@ KPR_INLINE void divide(const Digits& a, const Digits& b, Vec<Kpr16u> halfA, Vec<
 template <int channels, int size>
 class ByteTaps {
   public:
-    static constexpr int kRadius = size / 2;  // 0 where it is not known
+    // More rows than these, or rows of strided taps, gain nothing from staying in registers.
+    static constexpr bool kWalks = size == 3 || (size == 5 && channels == 1);
+    static constexpr int kRadius = size / 2;
     using Row = Vec<Kpr8u>;
 
     ByteTaps(const BytePairs& pairs, int kernelSize) : pairs_(&pairs), kernelSize_(kernelSize) {
@@ -209,6 +211,7 @@ class ByteTaps {
 template <int channels>
 class CentredTaps {
   public:
+    static constexpr bool kWalks = true;
     static constexpr int kRadius = 1;
     struct Row {
         Vec<Kpr16s> lower, upper;

@@ -68,7 +68,7 @@ KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& 
 template <int channels, typename Taps>
 KprStatus smoothBytes(const Call<Kpr8u>& call, const Taps& taps) {
     const Axis rows = rowsOf(call.roi.height, call.border), columns = columnsOf(call.roi.width, call.border);
-    if constexpr (Taps::kRadius > 0) {
+    if constexpr (Taps::kWalks) {
         walkBytes<channels>(taps, columns, rows, call.src, call.dst, call.value);
     } else {
         const int radius = call.kernelSize / 2;
