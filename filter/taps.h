@@ -6,8 +6,6 @@
 //     floats     tap[0] * at(0), then one fused step for each further tap, in order
 #pragma once
 
-#include <utility>
-
 #include "filter/edged_rows.h"
 
 namespace n0 {
@@ -18,8 +16,7 @@ KPR_INLINE void repeat(int count, Body body) {
     if constexpr (size == 0) {
         for (int i = 0; i < count; ++i) body(i);
     } else {
-        [&]<int... i>(std::integer_sequence<int, i...>) __attribute__((always_inline)) { (body(i), ...); }
-        (std::make_integer_sequence<int, size>{});
+        takeTurns<size>(body);
     }
 }
 

@@ -12,24 +12,6 @@
 
 namespace n0 {
 
-// A run of taps, in the row and from the column that are told relative to the pixel.
-struct BitRun {
-    Kpr64s row, column, length;
-};
-
-// Calls visit(run) for each.
-template <typename Visit>
-void eachBitRun(Taps taps, Visit visit) {
-    for (Kpr64s y = 0; y < taps.height; ++y) {
-        for (Kpr64s x = 0; x < taps.width; ++x) {
-            if (!taps.at(x, y)) continue;
-            const Kpr64s begin = x;
-            while (x < taps.width && taps.at(x, y)) ++x;
-            visit(BitRun{y - taps.reachY(), begin - taps.reachX(), x - begin});
-        }
-    }
-}
-
 // The different runs of a mask, shortest first, and for each run of each row which of them it is.
 struct BitRuns {
     static constexpr int kMost = 12;
@@ -187,7 +169,7 @@ class BitWalk {
         Kpr8u* sum = lines_;
         const Kpr64s bytes = sink_.bytes();
         walkColumns<64>(bytes, [=](auto part, Kpr64s x) { store(sum + x, broadcast(Rule::kWeakest), part); });
-        eachBitRun(taps_, [&](BitRun run) {
+        eachRun(taps_, [&](TapRun run) {
             int number = 0;
             while (number + 1 < kSpans && Kpr64s{2} << number <= run.length) ++number;
             const Kpr64s span = Kpr64s{1} << number, last = run.length - span;

@@ -9,13 +9,13 @@ Bytes bitWorkSize(Extents e) { return (Bytes{e.paddedWidth()} + e.width + 31) * 
 void listRuns(Taps taps, int mostKinds, BitRuns& runs) {
     runs.kindCount = runs.placeCount = 0;
     bool holds = true;
-    const auto kindOf = [&](BitRun run) {
+    const auto kindOf = [&](TapRun run) {
         for (int k = 0; k < runs.kindCount; ++k) {
             if (runs.kinds[k].column == run.column && runs.kinds[k].length == run.length) return k;
         }
         return -1;
     };
-    eachBitRun(taps, [&](BitRun run) {
+    eachRun(taps, [&](TapRun run) {
         if (!holds || kindOf(run) >= 0) return;
         holds = runs.kindCount < mostKinds;
         if (!holds) return;
@@ -23,7 +23,7 @@ void listRuns(Taps taps, int mostKinds, BitRuns& runs) {
         for (; k > 0 && runs.kinds[k - 1].length > run.length; --k) runs.kinds[k] = runs.kinds[k - 1];
         runs.kinds[k] = {run.column, run.length};
     });
-    eachBitRun(taps, [&](BitRun run) {
+    eachRun(taps, [&](TapRun run) {
         holds = holds && runs.placeCount < BitRuns::kMostPlaces;
         if (holds) runs.places[runs.placeCount++] = {run.row, kindOf(run)};
     });

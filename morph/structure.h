@@ -21,6 +21,24 @@ struct Taps {
     [[nodiscard]] bool at(Kpr64s x, Kpr64s y) const { return mask[y * width + x] != 0; }
 };
 
+// A run of taps, in the row and from the column that are told relative to the pixel.
+struct TapRun {
+    Kpr64s row, column, length;
+};
+
+// Calls visit(run) for each.
+template <typename Visit>
+void eachRun(Taps taps, Visit visit) {
+    for (Kpr64s y = 0; y < taps.height; ++y) {
+        for (Kpr64s x = 0; x < taps.width; ++x) {
+            if (!taps.at(x, y)) continue;
+            const Kpr64s begin = x;
+            while (x < taps.width && taps.at(x, y)) ++x;
+            visit(TapRun{y - taps.reachY(), begin - taps.reachX(), x - begin});
+        }
+    }
+}
+
 // Columns -left to right and rows -top to bottom around a pixel.
 struct Window {
     Kpr64s left, right, top, bottom;

@@ -354,7 +354,8 @@ KPR_INLINE Vec<Kpr32f> fma(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
 
 // ---- 16-bit lanes and their sums in 32 bits
 
-// Lane i is a[2i] * b[2i] + a[2i+1] * b[2i+1], in 32 bits that wrap.
+// Lane i is a[2i] * b[2i] + a[2i+1] * b[2i+1]; the one sum that exceeds a signed lane, of four -32768, wraps to an
+// unsigned 2^31.
 KPR_INLINE Vec<Kpr32s> sumPairs(Vec<Kpr16s> a, Vec<Kpr16s> b) {
     return vec<Kpr32s>(_mm512_madd_epi16(bits(a), bits(b)));
 }
@@ -488,12 +489,6 @@ KPR_INLINE Vec<Kpr64s> sumOfBytes(Vec<Kpr8u> v) {
     return vec<Kpr64s>(_mm512_sad_epu8(bits(v), _mm512_setzero_si512()));
 }
 
-// a0 * b0 + a1 * b1 of neighbouring lanes; the one sum that exceeds a signed lane, of four -32768, wraps to an unsigned
-// 2^31.
-KPR_INLINE Vec<Kpr32s> dotPairs(Vec<Kpr16s> a, Vec<Kpr16s> b) {
-    return vec<Kpr32s>(_mm512_madd_epi16(bits(a), bits(b)));
-}
-
 // The two unsigned lanes in each place of a 64-bit lane.
 KPR_INLINE Vec<Kpr64s> sumPairs(Vec<Kpr32s> v) {
     const auto pairs = as<Kpr64s>(v);
@@ -596,11 +591,6 @@ template <typename T, typename Rule>
 KPR_INLINE Vec<T> laneConstant(Rule) {
     static constexpr LaneTable<T, Rule> table{Rule{}};
     return load(table.lanes, All{});
-}
-
-// Lane i is v's lane from[i].
-KPR_INLINE Vec<Kpr32s> permute(Vec<Kpr32s> v, Vec<Kpr32s> from) {
-    return vec<Kpr32s>(_mm512_permutexvar_epi32(bits(from), bits(v)));
 }
 
 // Lane i is lane from[i] of those of a and, from 16 on, of b.

@@ -82,7 +82,7 @@ struct Squares<Kpr8u> {
         const auto pairs = as<Kpr16u>(step.v[0]);
         const auto even = as<Kpr16s>(pairs & broadcast<Kpr16u>(0xff));
         const auto odd = as<Kpr16s>(shiftRight<8>(pairs));
-        row = row + (dotPairs(even, even) + dotPairs(odd, odd));
+        row = row + (sumPairs(even, even) + sumPairs(odd, odd));
     }
     KPR_INLINE void widen() {
         total = total + sumPairs(row);
@@ -101,7 +101,7 @@ struct Squares<Kpr16u> {
 
     KPR_INLINE void add(const Step<Kpr16u>& step) {
         const auto s = as<Kpr16s>(step.v[0] - broadcast<Kpr16u>(0x8000));
-        moved = moved + sumPairs(dotPairs(s, s));
+        moved = moved + sumPairs(sumPairs(s, s));
         words.add(step);
         ++steps;
     }
