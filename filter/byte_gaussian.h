@@ -16,7 +16,7 @@
 #include "filter/byte_walk.h"
 #include "filter/taps.h"
 
-namespace n0 {
+namespace n0::filter {
 
 // The taps of a kernel in pairs, four bytes to a pair: twice the two.
 class BytePairs {
@@ -288,4 +288,4 @@ template <typename Taps>
     });
 }
 
-}  // namespace n0
+}  // namespace n0::filter

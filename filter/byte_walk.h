@@ -9,10 +9,10 @@
 //     down(row)                    makes results of row(Turn<0>{}) to row(Turn<2 * kRadius>{})
 #pragma once
 
-#include "filter/edged_rows.h"
+#include "primitives/edged_rows.h"
 #include "primitives/rows.h"
 
-namespace n0 {
+namespace n0::filter {
 
 // The elements of a row that read no synthesised pixel.
 struct Inside {
@@ -101,4 +101,4 @@ void walkBytes(const Rule& rule, Axis columns, Axis rows, Rows<const Kpr8u> src,
     }
 }
 
-}  // namespace n0
+}  // namespace n0::filter

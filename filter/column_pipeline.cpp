@@ -8,7 +8,7 @@
 #include "filter/pipeline_sizes.h"
 #include "filter/taps.h"
 
-namespace n0 {
+namespace n0::filter {
 namespace {
 
 template <typename Taps, typename Src, typename Dst>
@@ -33,9 +33,10 @@ KprStatus columnStage(const Src* const* rows, Rows<Dst> dst, KprSize roi, const 
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::filter
 
 using namespace n0;
+using namespace n0::filter;
 
 KprStatus kpriFilterColumnPipelineGetBufferSize_16s_C1R(KprSize roiSize, int kernelSize, int* bufferSize) {
     return sizeOf(roiSize, kernelSize, bufferSize, columnBytes16s(static_cast<Bytes32>(roiSize.width), 1));

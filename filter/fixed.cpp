@@ -12,7 +12,7 @@
 #include "filter/fixed_kernels.h"
 #include "filter/pipeline_sizes.h"
 
-namespace n0 {
+namespace n0::filter {
 namespace {
 
 template <typename T>
@@ -114,7 +114,7 @@ struct Laplacian5 {
 
 // ---- sizes
 
-constexpr Bytes32 roundedWidth(KprSize roi) { return padded(static_cast<Bytes32>(roi.width), 16); }
+constexpr Bytes32 roundedWidth(KprSize roi) { return roundUp(static_cast<Bytes32>(roi.width), 16); }
 
 constexpr KprStatus maskHolds(KprMaskSize mask) {
     return failIf(mask != kprMaskSize3x3 && mask != kprMaskSize5x5, kprStatusBadMaskSize);
@@ -140,7 +140,7 @@ constexpr Bytes32 byteBytes(KprSize roi, KprMaskSize mask) {
 // The ring of the float Laplacian, which starts at a multiple of 64 bytes.
 constexpr Bytes32 laplacianBytes(KprSize roi, KprMaskSize mask) {
     const Bytes32 planes = mask == kprMaskSize3x3 ? 3 * Laplacian3<Kpr32f>::kPlanes : 5 * Laplacian5<Kpr32f>::kPlanes;
-    return padded(planes * roundedWidth(roi) * 4 + 64, 64);
+    return roundUp(planes * roundedWidth(roi) * 4 + 64, 64);
 }
 
 // ---- one way through all six filters
@@ -168,7 +168,7 @@ KprStatus filterMask(const Src* src, int srcStep, Dst* dst, int dstStep, KprSize
         const auto filter = [&]<typename Rule>() {
             filterFixed<Rule>(columnsOf(roi.width, border), rowsOf(roi.height, border), Rows<const Src>{src, srcStep},
                               Rows<Dst>{dst, dstStep}, value, alignedUp<Middle>(buffer, 64),
-                              Kpr64s{padded(static_cast<Bytes32>(roi.width), 16)});
+                              Kpr64s{roundUp(static_cast<Bytes32>(roi.width), 16)});
             return kprStatusOk;
         };
         if (mask == kprMaskSize3x3) return filter.template operator()<Rule3<Middle>>();
@@ -177,9 +177,10 @@ KprStatus filterMask(const Src* src, int srcStep, Dst* dst, int dstStep, KprSize
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::filter
 
 using namespace n0;
+using namespace n0::filter;
 
 KprStatus kpriFilterLaplacianGetBufferSize_8u16s_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize) {
     return sizeOf(roiSize, maskSize, bufferSize, byteBytes(roiSize, maskSize));

@@ -5,11 +5,11 @@
 // steps. A tap of zero takes no part: what lies under it is not looked at.
 #pragma once
 
-#include "filter/edged_rows.h"
-#include "filter/ring.h"
+#include "primitives/edged_rows.h"
+#include "primitives/ring.h"
 #include "primitives/rows.h"
 
-namespace n0 {
+namespace n0::filter {
 
 // sum + tap * v, one fused step of floats.
 template <int tap, typename T>
@@ -115,4 +115,4 @@ void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Sr
         [&](const Middle* const* from, Kpr64s y) { filterDown<Rule>(from, plane, dst[y], columns.size); });
 }
 
-}  // namespace n0
+}  // namespace n0::filter

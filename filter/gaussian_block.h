@@ -1,7 +1,8 @@
 // The prepared block of the two Gaussian filters, and where its kernel lies.
 #pragma once
 
-#include "filter/border_rule.h"
+#include "primitives/axis.h"
+#include "primitives/workspace.h"
 
 struct KprFilterGaussianSpec {
     Kpr32s kernelSize;
@@ -11,19 +12,17 @@ struct KprFilterGaussianSpec {
     Kpr32s scaleBits;
 };
 
-namespace n0 {
+namespace n0::filter {
 
 // The kernel follows the five words at a multiple of 16 bytes in the border form, of 64 in the large one.
 inline constexpr int kHeaderBytes = 20;
 inline constexpr int kLargeKernelAlignment = 64;
 static_assert(sizeof(KprFilterGaussianSpec) == kHeaderBytes);
 
-template <typename T, typename Spec>
+template <typename Tap, typename Spec>
 auto* kernelAt(Spec* spec, Kpr64s offset, std::uintptr_t alignment) {
-    using Bytes = std::conditional_t<std::is_const_v<Spec>, const char, char>;
-    auto* const from = reinterpret_cast<Bytes*>(spec) + offset;
-    using Tap = std::conditional_t<std::is_const_v<Spec>, const T, T>;
-    return reinterpret_cast<Tap*>(from + (-reinterpret_cast<std::uintptr_t>(from) & (alignment - 1)));
+    using Byte = std::conditional_t<std::is_const_v<Spec>, const char, char>;
+    return alignedUp<Tap>(reinterpret_cast<Byte*>(spec) + offset, alignment);
 }
 
 template <typename Size>
@@ -36,7 +35,7 @@ constexpr int scaleBitsOf(KprDataType type) { return type == kpr8u ? 12 : 15; }
 
 // The large form takes every word with all four flags for the one without a base mode.
 constexpr KprBorderType largeWord(KprBorderType word) {
-    return (word & kprBorderInMem) == kprBorderInMem && word <= 255 ? KprBorderType{kprBorderInMem} : word;
+    return allInMemory(word) && (word & ~kFilterWord) == 0 ? KprBorderType{kprBorderInMem} : word;
 }
 
-}  // namespace n0
+}  // namespace n0::filter

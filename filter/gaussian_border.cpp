@@ -6,10 +6,10 @@
 // names; of a constant it is that value itself.
 #include "filter/byte_gaussian.h"
 #include "filter/gaussian_block.h"
-#include "filter/ring.h"
 #include "filter/taps.h"
+#include "primitives/ring.h"
 
-namespace n0 {
+namespace n0::filter {
 namespace {
 
 template <typename T>
@@ -129,9 +129,10 @@ KprStatus smoothBlock(const T* src, int srcStep, T* dst, int dstStep, KprSize ro
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::filter
 
 using namespace n0;
+using namespace n0::filter;
 
 KprStatus kpriFilterGaussianBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                           Kpr8u borderValue, const KprFilterGaussianSpec* spec, Kpr8u* buffer) {

@@ -9,7 +9,7 @@
 #include "filter/pipeline_sizes.h"
 #include "primitives/math.h"
 
-namespace n0 {
+namespace n0::filter {
 namespace {
 
 constexpr KprStatus kernelSizeHolds(bool holds) { return failIf(!holds, kprStatusBadArg); }
@@ -34,7 +34,7 @@ struct BorderSizes {
 // `n` taps on rows of `w` pixels: the row's and the column's own buffers, two strips, the rows and their pointers.
 BorderSizes borderSizes(Bytes32 w, Bytes32 h, Bytes32 n, KprDataType type, int channels) {
     const Bytes32 m = h < n ? h : n;
-    const Bytes32 w8 = padded((w + n) * static_cast<Bytes32>(channels), 8);
+    const Bytes32 w8 = roundUp((w + n) * static_cast<Bytes32>(channels), 8);
     if (type == kpr32f) {
         return {n * 32 + 32, w8 * n * 4 + 32 + (m + n) * 4 * w8 + 64 + rowBytes32f(n, channels) + 32 +
                                  columnBytes32f(n) + 32 + (m + n) * 8 + 32};
@@ -83,9 +83,10 @@ void makeLargeKernel(KprFilterGaussianSpec* spec, int n, Kpr32f sigma) {
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::filter
 
 using namespace n0;
+using namespace n0::filter;
 
 KprStatus kpriFilterGaussianGetBufferSize(KprSize roiSize, uint32_t kernelSize, KprDataType dataType, int numChannels,
                                           int* specSize, int* bufferSize) {

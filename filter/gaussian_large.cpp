@@ -11,10 +11,10 @@
 // Integers are rounded once, at the end, to nearest with ties to even, and saturated; but five taps of 16s keep the low
 // 16 bits of a 32-bit integer. A row of a constant border is that value itself.
 #include "filter/gaussian_block.h"
-#include "filter/ring.h"
 #include "filter/taps.h"
+#include "primitives/ring.h"
 
-namespace n0 {
+namespace n0::filter {
 namespace {
 
 template <typename Src, int size>
@@ -129,11 +129,10 @@ KprStatus smoothLarge(const T* src, Kpr64s srcStep, T* dst, Kpr64s dstStep, KprS
     const KprBorderType border = largeWord(borderType);
     KprStatus multiples = kprStatusOk;
     if constexpr (sizeof(T) > 1) multiples = stepsAlign<T>(srcStep, dstStep);
-    const KprStatus status =
-        firstFailure(notNull(src, dst, buffer, spec), longRowsFit(roi.width, channels * sizeof(T), srcStep, dstStep),
-                     roiHolds(roi), multiples, failIf(border > 255, kprStatusBadBorder),
-                     failIf((border & kBaseMode) == kprBorderConstant && value == nullptr, kprStatusNullPtr),
-                     borderServesFilter(border));
+    const KprStatus status = firstFailure(
+        notNull(src, dst, buffer, spec), longRowsFit(roi.width, channels * sizeof(T), srcStep, dstStep), roiHolds(roi),
+        multiples, failIf(border > 255, kprStatusBadBorder),
+        failIf(baseOf(border) == kprBorderConstant && value == nullptr, kprStatusNullPtr), borderServesFilter(border));
     if (status != kprStatusOk) return status;
     if (!isGaussianSize(spec->kernelSize)) return kprStatusBadArg;
     const auto* const half = kernelAt<Kpr32f>(spec, kHeaderBytes, kLargeKernelAlignment);
@@ -142,9 +141,10 @@ KprStatus smoothLarge(const T* src, Kpr64s srcStep, T* dst, Kpr64s dstStep, KprS
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::filter
 
 using namespace n0;
+using namespace n0::filter;
 
 KprStatus kpriFilterGaussian_8u_C1R_L(const Kpr8u* src, int64_t srcStep, Kpr8u* dst, int64_t dstStep, KprSizeL roiSize,
                                       KprBorderType borderType, const Kpr8u* borderValue,

@@ -4,7 +4,7 @@
 #include "filter/pipeline_sizes.h"
 #include "frame/checks.h"
 
-namespace n0 {
+namespace n0::filter {
 
 inline KprStatus sizeOf(KprSize roi, int kernelSize, int* size, Bytes32 bytes) {
     return firstFailure(notNull(size), roiHolds(roi), failIf(kernelSize < 1, kprStatusBadSize))
@@ -20,4 +20,4 @@ KprStatus rowsPresent(T* const* rows, Kpr64s count) {
     return kprStatusOk;
 }
 
-}  // namespace n0
+}  // namespace n0::filter

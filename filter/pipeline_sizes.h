@@ -2,14 +2,9 @@
 // 32-bit sizes form them: they wrap.
 #pragma once
 
-#include <cstdint>
+#include "primitives/sizes.h"
 
-namespace n0 {
-
-using Bytes32 = std::uint32_t;
-
-// The elements of a row, rounded up to whole groups.
-constexpr Bytes32 padded(Bytes32 elements, Bytes32 group) { return (elements + group - 1) & ~(group - 1); }
+namespace n0::filter {
 
 constexpr Bytes32 rowBytes8u16s(Bytes32 k, int channels) {
     return channels == 1 ? 32 * (k + k / 4) + 2 * k + 66 : 60 * k + 144;
@@ -20,14 +15,14 @@ constexpr Bytes32 rowBytes16u(Bytes32 k, int channels) { return (channels == 1 ?
 constexpr Bytes32 rowBytes32f(Bytes32 k, int channels) { return (channels == 1 ? 96 : 288) * k + 96; }
 
 constexpr Bytes32 columnBytes16s(Bytes32 w, int channels) {
-    return 12 * static_cast<Bytes32>(channels) * padded(w, 4) + 64;
+    return 12 * static_cast<Bytes32>(channels) * roundUp(w, 4) + 64;
 }
 constexpr Bytes32 columnBytesLow16s(Bytes32 w, int channels) {
-    return 12 * static_cast<Bytes32>(channels) * padded(w, 8) + 64;
+    return 12 * static_cast<Bytes32>(channels) * roundUp(w, 8) + 64;
 }
 constexpr Bytes32 columnBytes16u(Bytes32 w, Bytes32 k, int channels) {
-    return 8 * padded(static_cast<Bytes32>(channels) * w, 4) + 32 * k + 64;
+    return 8 * roundUp(static_cast<Bytes32>(channels) * w, 4) + 32 * k + 64;
 }
 constexpr Bytes32 columnBytes32f(Bytes32 k) { return 32 * k + 32; }
 
-}  // namespace n0
+}  // namespace n0::filter

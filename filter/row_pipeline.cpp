@@ -7,12 +7,12 @@
 // synthesised pixel: 8u16s truncates there. Floats are fused steps in the order of the taps.
 //
 // The forms that promise a narrow sum (`Low`) have the results of the plain ones.
-#include "filter/border_rule.h"
 #include "filter/pipeline_checks.h"
 #include "filter/pipeline_sizes.h"
 #include "filter/taps.h"
+#include "primitives/axis.h"
 
-namespace n0 {
+namespace n0::filter {
 namespace {
 
 // What all forms are called with; `divisor` is 1 where there is none.
@@ -63,9 +63,10 @@ KprStatus rowStage(const RowCall<Src, Dst, Tap>& call) {
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::filter
 
 using namespace n0;
+using namespace n0::filter;
 
 KprStatus kpriFilterRowBorderPipelineGetBufferSize_8u16s_C1R(KprSize roiSize, int kernelSize, int* bufferSize) {
     return sizeOf(roiSize, kernelSize, bufferSize, rowBytes8u16s(static_cast<Bytes32>(kernelSize), 1));

@@ -4,7 +4,7 @@
 #include "filter/fixed_kernels.h"
 #include "filter/pipeline_sizes.h"
 
-namespace n0 {
+namespace n0::filter {
 namespace {
 
 template <typename Across, typename Down>
@@ -50,7 +50,7 @@ KprStatus derive(const Src* src, int srcStep, Dst* dst, int dstStep, KprSize roi
         } else {
             filterFixed<typename Kernels::template Rule<Dst>>(
                 columns, rows, Rows<const Src>{src, srcStep}, Rows<Dst>{dst, dstStep}, value,
-                alignedUp<Dst>(buffer, 32), Kpr64s{padded(static_cast<Bytes32>(roi.width), 16)});
+                alignedUp<Dst>(buffer, 32), Kpr64s{roundUp(static_cast<Bytes32>(roi.width), 16)});
         }
         return kprStatusOk;
     };
@@ -70,7 +70,7 @@ KprStatus derivativeBytes(KprSize roi, KprMaskSize mask, KprDataType srcType, Kp
                      failIf(!pairHolds, kprStatusBadDataType), failIf(numChannels != 1, kprStatusBadCoi));
     if (status != kprStatusOk) return status;
     const Bytes32 rows = mask == kprMaskSize3x3 ? 3 : 5;
-    const Bytes32 ring = padded(static_cast<Bytes32>(roi.width), 16) * rows * 4;
+    const Bytes32 ring = roundUp(static_cast<Bytes32>(roi.width), 16) * rows * 4;
     *bufferSize = static_cast<int>(srcType == kpr8u ? 32 : ring + 32);
     return kprStatusOk;
 }
@@ -93,9 +93,10 @@ KprStatus makeSobelKernel(T* kernel, int kernelSize, int order, int sign) {
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::filter
 
 using namespace n0;
+using namespace n0::filter;
 
 KprStatus kpriFilterSobelVertBorder_8u16s_C1R(const Kpr8u* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
                                               KprMaskSize maskSize, KprBorderType borderType, Kpr8u borderValue,

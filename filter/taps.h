@@ -6,9 +6,9 @@
 //     floats     tap[0] * at(0), then one fused step for each further tap, in order
 #pragma once
 
-#include "filter/edged_rows.h"
+#include "primitives/edged_rows.h"
 
-namespace n0 {
+namespace n0::filter {
 
 // Calls `body(i)` for i from 0 to `count - 1`: written out where `size` gives the count, a loop where it is 0.
 template <int size, typename Body>
@@ -238,4 +238,4 @@ template <typename Taps, typename Dst>
     });
 }
 
-}  // namespace n0
+}  // namespace n0::filter

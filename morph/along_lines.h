@@ -3,7 +3,7 @@
 
 #include "morph/around.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // What the first cache holds beside what passes through it.
 inline constexpr Kpr64s kLinesBytes = 32768;
@@ -101,4 +101,4 @@ KPR_INLINE void alongLines(const Lines<T>& lines, Kpr64s n, Kpr64s length, Kpr64
     if (taps == 4) finish.template operator()<4>(step, last);
 }
 
-}  // namespace n0
+}  // namespace n0::morph

@@ -3,7 +3,7 @@
 
 #include "morph/job.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // The memory that may be read along one axis, relative to the ROI.
 struct Reach {
@@ -26,4 +26,4 @@ Pattern<T> outside(const Job<T>& job) {
     return {job.border.base == kprBorderConstant ? job.fill : neutrals, job.channels};
 }
 
-}  // namespace n0
+}  // namespace n0::morph

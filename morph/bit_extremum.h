@@ -6,7 +6,7 @@
 #include "morph/bit_walk.h"
 #include "morph/extremum.h"
 
-namespace n0 {
+namespace n0::morph {
 
 struct BitCall {
     const Kpr8u* src;
@@ -84,4 +84,4 @@ KprStatus bitExtremum(const BitCall& call, Taps taps) {
     return bitExtremum<Rule, PlainBits>(bitJobOf<Rule>(call, taps), taps, sourceOf(call));
 }
 
-}  // namespace n0
+}  // namespace n0::morph

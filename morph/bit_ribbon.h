@@ -8,7 +8,7 @@
 
 #include "morph/bits.h"
 
-namespace n0 {
+namespace n0::morph {
 
 template <typename Rule>
 class BitRibbon {
@@ -99,4 +99,4 @@ class BitRibbon {
     Kpr8u* crossings_;  // in the work buffer
 };
 
-}  // namespace n0
+}  // namespace n0::morph

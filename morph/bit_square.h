@@ -5,7 +5,7 @@
 
 #include "morph/bits.h"
 
-namespace n0 {
+namespace n0::morph {
 
 template <typename Rule, typename Put, int reach>
 class BitSquare {
@@ -146,4 +146,4 @@ class BitSquare {
     Vec<Kpr8u> outside_;
 };
 
-}  // namespace n0
+}  // namespace n0::morph

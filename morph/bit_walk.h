@@ -10,7 +10,7 @@
 
 #include "morph/bits.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // The different runs of a mask, shortest first, and for each run of each row which of them it is.
 struct BitRuns {
@@ -189,10 +189,8 @@ class BitWalk {
 
     // The source's row for row y, or null if that is all constant.
     [[nodiscard]] const Kpr8u* source(Kpr64s y) const {
-        const Border border = job_.border;
-        const bool memory = (y >= 0 || border.top) && (y < job_.height || border.bottom);
-        if (!memory && border.base == kprBorderConstant) return nullptr;
-        return job_.src.bytes[mapped(border.base, y, job_.height, border.top, border.bottom)];
+        const Kpr64s row = job_.rows()(y);
+        return row == kConstant ? nullptr : job_.src.bytes[row];
     }
 
     // The columns that lie in memory.
@@ -225,7 +223,7 @@ class BitWalk {
         const auto make = [&](Kpr64s from, Kpr64s to, Kpr64s nearest) {
             if (border.base == kprBorderMirror) {
                 for (Kpr64s x = from; x < to; ++x) {
-                    setPixels(line, x, x + 1, pixel(src, mirrored(x, width, border.left, border.right)));
+                    setPixels(line, x, x + 1, pixel(src, job_.columns()(x)));
                 }
             } else {
                 setPixels(line, from, to, border.base == kprBorderConstant ? job_.fill : pixel(src, nearest));
@@ -262,4 +260,4 @@ class BitWalk {
     BitRuns runs_;
 };
 
-}  // namespace n0
+}  // namespace n0::morph

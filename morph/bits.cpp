@@ -2,7 +2,7 @@
 // pixels. A pixel of a dilation is set where any tap meets a set pixel, one of an erosion where all taps do.
 #include "morph/bit_extremum.h"
 
-namespace n0 {
+namespace n0::morph {
 
 Bytes bitWorkSize(Extents e) { return (Bytes{e.paddedWidth()} + e.width + 31) * e.paddedHeight() + 48; }
 
@@ -41,9 +41,10 @@ KprStatus process(const BitCall& call, const KprMorphState* spec) {
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::morph
 
 using namespace n0;
+using namespace n0::morph;
 
 KprStatus kpriMorphologyBorderGetSize_1u_C1R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize) {
     const Extents e = {roiSize.width, roiSize.height, maskSize.width, maskSize.height};

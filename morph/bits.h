@@ -5,7 +5,7 @@
 #include "morph/job.h"
 #include "primitives/border.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // Rows of pixels. Pixel x of a row is bit `bit` + x from the row's address on.
 template <typename Byte>
@@ -37,6 +37,9 @@ struct BitJob {
     Border border;
     Kpr8u fill;  // eight pixels of the constant border
     Workspace work;
+
+    [[nodiscard]] Axis rows() const { return rowsOf(height, border, LonePixel::Reflects); }
+    [[nodiscard]] Axis columns() const { return columnsOf(width, border, LonePixel::Reflects); }
 };
 
 // The 64 bytes from `byte` on as far as they are among bytes begin to end.
@@ -165,4 +168,4 @@ class BitSink {
     BitReader read_;
 };
 
-}  // namespace n0
+}  // namespace n0::morph

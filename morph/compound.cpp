@@ -8,7 +8,7 @@
 // The last stage writes the difference.
 #include "morph/compound.h"
 
-namespace n0 {
+namespace n0::morph {
 namespace {
 
 KprStatus getSize(KprSize roi, KprSize mask, int elementSize, int channels, int* specSize, int* bufferSize) {
@@ -36,9 +36,10 @@ KprStatus init(KprSize roi, const Kpr8u* mask, KprSize maskSize, KprMorphAdvStat
 TapsPair tapsIn(const KprMorphAdvState* spec) { return pairOf<MorphPair, Kpr32s>(spec); }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::morph
 
 using namespace n0;
+using namespace n0::morph;
 
 KprStatus kpriMorphAdvGetSize_8u_C1R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize) {
     return getSize(roiSize, maskSize, sizeof(Kpr8u), 1, specSize, bufferSize);

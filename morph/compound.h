@@ -3,7 +3,7 @@
 
 #include "morph/extremum.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // The state block: the masks of the two stages, the second turned by 180 degrees. Each is a state block of its own, and
 // they follow this one; `specSize` bytes each.
@@ -23,7 +23,7 @@ struct MorphPairLarge {
 template <typename Block, typename Extent>
 Block& fillPair(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Bytes specSize,
                 TapLists lists = TapLists::Kept) {
-    Block& pair = *alignedBlock<Block>(spec);
+    Block& pair = headerOf<Block>(spec);
     auto* blocks = reinterpret_cast<char*>(&pair + 1);
     pair.first = blocks;
     pair.second = blocks + static_cast<Kpr64s>(specSize);
@@ -38,7 +38,7 @@ struct TapsPair {
 
 template <typename Block, typename Extent>
 TapsPair pairOf(const void* spec) {
-    const Block& pair = *alignedBlock<Block>(spec);
+    const Block& pair = headerOf<Block>(spec);
     return {tapsOf<Extent>(pair.first), tapsOf<Extent>(pair.second)};
 }
 
@@ -88,7 +88,7 @@ KprStatus twoStages(const Call<T>& call, TapsPair taps, Rows<const T> other) {
     first.dstStep = parts.image.step;
     first.width = width;
     first.height = height;
-    if ((call.border & 3840) != 0) first.border |= kprBorderInMem;
+    if ((call.border & kFirstStage) != 0) first.border |= kprBorderInMem;
     Job<T> job = jobOf<First>(first, taps.first);
     job.work = parts.work;
     extremum<First, Plain>(job, taps.first, Rows<const T>{job.dst.first, job.dst.step});
@@ -144,4 +144,4 @@ KprStatus gradient(const Call<T>& call, TapsPair taps) {
     return extremum<Dilation<T>, LessOtherSigned>(job, taps.first, eroded);
 }
 
-}  // namespace n0
+}  // namespace n0::morph

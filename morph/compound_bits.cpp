@@ -3,7 +3,7 @@
 #include "morph/bit_extremum.h"
 #include "morph/compound.h"
 
-namespace n0 {
+namespace n0::morph {
 namespace {
 
 KprSizeL betweenAtMost(Extents e) { return {e.width + e.paddedWidth() - 1, e.height + e.paddedHeight() - 1}; }
@@ -84,9 +84,10 @@ TapsPair tapsIn(const KprMorphAdvState* spec) { return pairOf<MorphPair, Kpr32s>
 TapsPair largeTapsIn(const KprMorphAdvState* spec) { return pairOf<MorphPairLarge, Kpr64s>(spec); }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::morph
 
 using namespace n0;
+using namespace n0::morph;
 
 KprStatus kpriMorphAdvGetSize_1u_C1R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize) {
     const Extents e = {roiSize.width, roiSize.height, maskSize.width, maskSize.height};

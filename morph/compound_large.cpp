@@ -1,7 +1,7 @@
 // Opening, closing and their differences with 64-bit sizes and steps.
 #include "morph/compound.h"
 
-namespace n0 {
+namespace n0::morph {
 namespace {
 
 KprStatus sizingHolds(Extents e, KprDataType dataType, int numChannels) {
@@ -31,9 +31,10 @@ Bytes bufferBytes(Extents e, int elementSize, int channels) {
 TapsPair tapsIn(const KprMorphAdvState* spec) { return pairOf<MorphPairLarge, Kpr64s>(spec); }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::morph
 
 using namespace n0;
+using namespace n0::morph;
 
 KprStatus kpriMorphGetSpecSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s maskWidth, Kpr64s maskHeight,
                                  KprDataType dataType, int numChannels, Kpr64s* specSize) {
@@ -65,7 +66,7 @@ KprStatus kpriMorphSetMode_L(int mode, KprMorphAdvState* spec) {
     const KprStatus status =
         firstFailure(notNull(spec), failIf(mode != 0 && mode != kSameMask && mode != kFlag, kprStatusBadMode));
     if (status != kprStatusOk) return status;
-    MorphPairLarge& pair = *alignedBlock<MorphPairLarge>(spec);
+    MorphPairLarge& pair = headerOf<MorphPairLarge>(spec);
     pair.second = mode == kSameMask ? pair.first : pair.reflectedState;
     pair.modeFlag = mode == kFlag ? 1 : 0;
     return kprStatusOk;

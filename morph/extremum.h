@@ -5,7 +5,7 @@
 #include "morph/tap_walk.h"
 #include "primitives/border.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // The plan that the mask asks for. `other` is the image of Put's differences, row by row the ROI's.
 template <typename Rule, typename Put, typename T>
@@ -50,7 +50,7 @@ KprStatus stepsHold(const Call<T>& c) {
 // A constant border has a value.
 template <typename Call>
 KprStatus valueGiven(const Call& c) {
-    return failIf((c.border & 15) == kprBorderConstant && c.value == nullptr, kprStatusNullPtr);
+    return failIf(baseOf(c.border) == kprBorderConstant && c.value == nullptr, kprStatusNullPtr);
 }
 
 // Whether the source may be the destination. Which members take that is settled one by one and follows no rule.
@@ -100,4 +100,4 @@ KprStatus extremum(const Call<T>& call, Taps taps) {
     return extremum<Rule, Plain>(job, taps, Rows<const T>{call.dst, call.dstStep});
 }
 
-}  // namespace n0
+}  // namespace n0::morph

@@ -6,42 +6,16 @@
 #include <limits>
 
 #include "morph/structure.h"
+#include "primitives/axis.h"
 #include "primitives/rows.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // Memory of a call's own.
 struct Workspace {
     char* first;
     Kpr64s bytes;
 };
-
-// A border word, taken apart.
-struct Border {
-    KprBorderType base;
-    bool top, bottom, left, right;  // sides on which the pixels outside are memory
-
-    explicit Border(KprBorderType word)
-        : base(word & 15),
-          top((word & kprBorderInMemTop) != 0),
-          bottom((word & kprBorderInMemBottom) != 0),
-          left((word & kprBorderInMemLeft) != 0),
-          right((word & kprBorderInMemRight) != 0) {}
-};
-
-// The index that stands for index i of n, where `before` and `after` say which sides are memory. Reflection goes on
-// until it meets the image or memory.
-KPR_INLINE Kpr64s mirrored(Kpr64s i, Kpr64s n, bool before, bool after) {
-    if (n == 1 && !before && !after) return 0;
-    while ((i < 0 && !before) || (i >= n && !after)) i = i < 0 ? -i : 2 * n - 2 - i;
-    return i;
-}
-
-// The same by the base mode, which is not that of a constant.
-KPR_INLINE Kpr64s mapped(KprBorderType base, Kpr64s i, Kpr64s n, bool before, bool after) {
-    if ((i >= 0 || before) && (i < n || after)) return i;
-    return base == kprBorderMirror ? mirrored(i, n, before, after) : std::clamp(i, Kpr64s{0}, n - 1);
-}
 
 template <typename T>
 struct Job {
@@ -53,6 +27,8 @@ struct Job {
     T fill[4];  // of the constant border, one element a channel
     Workspace work;
 
+    [[nodiscard]] Axis rows() const { return rowsOf(height, border, LonePixel::Reflects); }
+    [[nodiscard]] Axis columns() const { return columnsOf(width, border, LonePixel::Reflects); }
     [[nodiscard]] bool inPlace() const { return src.first == dst.first; }
 };
 
@@ -164,4 +140,4 @@ class Pattern {
     Kpr64s period_;
 };
 
-}  // namespace n0
+}  // namespace n0::morph

@@ -12,7 +12,7 @@
 #include "frame/checks.h"
 #include "primitives/rows.h"
 
-namespace n0 {
+namespace n0::morph {
 namespace {
 
 // With NaNs these keep the second operand: a marker's NaN stays, a limit's does not limit.
@@ -191,9 +191,10 @@ KprStatus reconstruct(const T* src, int srcStep, T* srcDst, int srcDstStep, KprS
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::morph
 
 using namespace n0;
+using namespace n0::morph;
 
 KprStatus kpriMorphReconstructGetBufferSize(KprSize roiSize, KprDataType dataType, int numChannels, int* bufferSize) {
     const bool served = dataType == kpr8u || dataType == kpr16u || dataType == kpr32f || dataType == kpr64f;

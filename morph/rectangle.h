@@ -11,7 +11,7 @@
 #include "morph/along_lines.h"
 #include "morph/small.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // The extremum down the columns for `results` rows from y on, at most as many as the rectangle has, into lines from
 // number `to` on, their element `lead`. The windows of those rows have rows in common. In registers, extrema are run up
@@ -138,4 +138,4 @@ void rectangle(const Job<T>& job, Window w, Rows<const T> other) {
     largeRectangle<Rule, Put>(job, w, other);
 }
 
-}  // namespace n0
+}  // namespace n0::morph

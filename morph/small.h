@@ -8,7 +8,7 @@
 
 #include "morph/around.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // For both rows of a pair: element k is the join of the source rows whose runs reach k pixels. One serves all where the
 // square is full.
@@ -124,4 +124,4 @@ void smallMask(const Job<T>& job, Reaches reaches, Rows<const T> other) {
     smallMask<Rule, Put, reach, full, 1>(job, reaches, other);
 }
 
-}  // namespace n0
+}  // namespace n0::morph

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace n0 {
+namespace n0::morph {
 namespace {
 
 // The lists say 16-bit columns; a wider mask has none.
@@ -23,7 +23,7 @@ Kpr16u* listTaps(Kpr16u* lists, Taps taps) {
 
 template <typename Extent>
 void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orientation turn, TapLists lists) {
-    MorphState<Extent>& state = *alignedBlock<MorphState<Extent>>(spec);
+    MorphState<Extent>& state = headerOf<MorphState<Extent>>(spec);
     auto* kept = reinterpret_cast<Kpr8u*>(&state + 1);
     const Taps taps{kept, width | 1, height | 1};
     const Kpr64s total = taps.width * taps.height;
@@ -47,7 +47,7 @@ void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orien
 
 template <typename Extent>
 Taps tapsOf(const void* spec) {
-    const MorphState<Extent>& state = *alignedBlock<MorphState<Extent>>(spec);
+    const MorphState<Extent>& state = headerOf<MorphState<Extent>>(spec);
     return {state.maskData, state.paddedWidth, state.paddedHeight};
 }
 
@@ -151,4 +151,4 @@ Bytes workHeld(Extents e, int elementSize, int channels) {
     return std::min(wide * tall, strips) * elementSize * channels + ringSize(e, elementSize, channels) + 64;
 }
 
-}  // namespace n0
+}  // namespace n0::morph

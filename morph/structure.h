@@ -6,9 +6,10 @@
 
 #include <type_traits>
 
-#include "frame/checks.h"
+#include "primitives/sizes.h"
+#include "primitives/workspace.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // The kept mask, 0 or 255 a tap.
 struct Taps {
@@ -74,11 +75,8 @@ struct MorphState {
 // The header at the start of a state block. Blocks are taken at any address; the slack in their sizes pays for aligning
 // it.
 template <typename Block, typename Memory>
-auto* alignedBlock(Memory* spec) {
-    using Byte = std::conditional_t<std::is_const_v<Memory>, const char, char>;
-    using Result = std::conditional_t<std::is_const_v<Memory>, const Block, Block>;
-    const uintptr_t past = reinterpret_cast<uintptr_t>(spec) % alignof(Block);
-    return reinterpret_cast<Result*>(reinterpret_cast<Byte*>(spec) + (past == 0 ? 0 : alignof(Block) - past));
+auto& headerOf(Memory* spec) {
+    return *alignedUp<Block>(spec);
 }
 
 // Which way round a mask is kept.
@@ -94,9 +92,7 @@ void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orien
 template <typename Extent>
 Taps tapsOf(const void* spec);
 
-// ---- sizes in bytes. They are formed in 128 bits, where no sizes that pass the checks can wrap.
-
-__extension__ typedef __int128 Bytes;
+// ---- sizes in bytes
 
 struct Extents {
     Kpr64s width, height, maskWidth, maskHeight;
@@ -104,9 +100,6 @@ struct Extents {
     [[nodiscard]] Kpr64s paddedWidth() const { return maskWidth | 1; }
     [[nodiscard]] Kpr64s paddedHeight() const { return maskHeight | 1; }
 };
-
-// To a multiple that is a power of two: a division in 128 bits would be a call.
-constexpr Bytes roundUp(Bytes size, int multiple) { return (size + multiple - 1) & ~Bytes{multiple - 1}; }
 
 Bytes stateSize(Extents e);        // 32-bit interface
 Bytes stateSizeOfBits(Extents e);  // the same for 1-bit images
@@ -116,15 +109,6 @@ Bytes workSize(Extents e, int elementSize, int channels);
 // The bytes that a buffer of `workSize` has at least, whatever larger image it was sized for: the size itself falls
 // when the image grows past the mask.
 Bytes workHeld(Extents e, int elementSize, int channels);
-
-// Stores a size if the caller's integer holds it.
-template <typename Integer>
-KprStatus putSize(Bytes size, Integer* out) {
-    constexpr Bytes limit = sizeof(Integer) == 4 ? Bytes{0x7fffffff} : Bytes{0x7fffffffffffffff};
-    if (size > limit) return kprStatusSizeOverflow;
-    *out = static_cast<Integer>(size);
-    return kprStatusOk;
-}
 
 // ---- checks
 
@@ -152,4 +136,4 @@ constexpr int elementSizeOf(KprDataType type) {
     return type == kpr16u || type == kpr16s ? 2 : 1;
 }
 
-}  // namespace n0
+}  // namespace n0::morph

@@ -6,7 +6,7 @@
 // and the border rule for pixels outside the ROI, each axis by itself. Taps are counted from the mask's anchor.
 #include "morph/extremum.h"
 
-namespace n0 {
+namespace n0::morph {
 namespace {
 
 template <typename Size>
@@ -34,9 +34,10 @@ KprStatus process(InPlace inPlace, const Call<T>& call, const KprMorphState* spe
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::morph
 
 using namespace n0;
+using namespace n0::morph;
 
 KprStatus kpriMorphologyBorderGetSize_8u_C1R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize) {
     return getSize(roiSize, maskSize, sizeof(Kpr8u), 1, specSize, bufferSize);

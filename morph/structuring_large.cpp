@@ -1,7 +1,7 @@
 // Dilation and erosion with 64-bit sizes and steps: the plans of the 32-bit forms behind other checks and state blocks.
 #include "morph/extremum.h"
 
-namespace n0 {
+namespace n0::morph {
 namespace {
 
 KprStatus getSpecSize(Extents e, Kpr64s* specSize) {
@@ -25,9 +25,10 @@ KprStatus process(InPlace inPlace, const Call<T>& call, const KprMorphState* spe
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::morph
 
 using namespace n0;
+using namespace n0::morph;
 
 KprStatus kpriDilateGetSpecSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s maskWidth, Kpr64s maskHeight,
                                   Kpr64s* specSize) {

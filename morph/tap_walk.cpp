@@ -1,6 +1,6 @@
 #include "morph/tap_walk.h"
 
-namespace n0 {
+namespace n0::morph {
 namespace {
 
 constexpr Kpr64s loadsOf(Kpr64s run, Kpr64s span) { return run < span ? run : (run + span - 1) / span; }
@@ -41,4 +41,4 @@ Kpr64s bestSpan(Taps taps, Window window) {
     return best;
 }
 
-}  // namespace n0
+}  // namespace n0::morph

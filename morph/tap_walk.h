@@ -8,7 +8,7 @@
 #include "morph/job.h"
 #include "morph/rectangle.h"
 
-namespace n0 {
+namespace n0::morph {
 
 // One vector load for each vector of results: which line of a ring, and where in it.
 struct TapLoad {
@@ -108,17 +108,16 @@ class TapWalk {
 
     // Takes row y into the ring.
     void enter(Kpr64s y) {
-        const Border border = job_.border;
-        const Kpr64s mappedY = mapped(border.base, y, job_.height, border.top, border.bottom);
+        const Kpr64s from = job_.rows()(y);
         T* to = line(y);
-        if (border.base == kprBorderConstant && mappedY != y) {
+        if (from == kConstant) {
             pattern_.write(to, length_);
-        } else if (y >= job_.height && mappedY != y) {  // its source may be overwritten by now
+        } else if (y >= job_.height && from != y) {  // its source may be overwritten by now
             walkRow<kLanes<T>>(
                 length_, [](auto part, T* l, const T* s) { store(l, load(s, part), part); }, to,
-                static_cast<const T*>(line(mappedY)));
+                static_cast<const T*>(line(from)));
         } else {
-            extend(to, job_.src[mappedY]);
+            extend(to, job_.src[from]);
         }
         if (span_ > 1) makeSpans(to, spans(y));
     }
@@ -134,7 +133,7 @@ class TapWalk {
         walkRow<kLanes<T>>(
             end - begin, [](auto part, T* l, const T* s) { store(l, load(s, part), part); }, body + begin, src + begin);
         const auto make = [&](Kpr64s x) {
-            const Kpr64s from = mapped(border.base, x, width, border.left, border.right);
+            const Kpr64s from = job_.columns()(x);
             for (int c = 0; c < channels; ++c) body[x * channels + c] = body[from * channels + c];
         };
         if (border.base == kprBorderConstant) {
@@ -168,4 +167,4 @@ class TapWalk {
     const T* at_[TapList::kMost];
 };
 
-}  // namespace n0
+}  // namespace n0::morph

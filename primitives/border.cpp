@@ -2,6 +2,7 @@
 // right stretches are made row by row; the rows above and below are then copies of finished rows, or set to the value.
 #include "primitives/border.h"
 
+#include "primitives/axis.h"
 #include "primitives/bytes.h"
 
 namespace n0 {
@@ -15,8 +16,8 @@ struct Layout {
     Kpr64s left, right, top, bottom;
 };
 
-// A rule makes the stretches on both sides of a row, whose pixels stand at `src`, around `image`; `rowFor` is the row
-// that a row outside the image reads as.
+// A rule makes the stretches on both sides of a row, whose pixels stand at `src`, around `image`; rows outside
+// the image are those that its `mode` names.
 template <int pixelBytes>
 struct Constant {
     Vec<Kpr8u> value;
@@ -35,7 +36,7 @@ struct Replicate {
         fillPixels<pixelBytes>(image + at.width * pixelBytes, repeatPixel<pixelBytes>(last), at.right);
     }
 
-    [[nodiscard]] Kpr64s rowFor(Kpr64s y, Kpr64s height) const { return std::clamp<Kpr64s>(y, 0, height - 1); }
+    [[nodiscard]] KprBorderType mode() const { return kprBorderReplicate; }
 };
 
 template <int pixelBytes>
@@ -63,12 +64,7 @@ struct Mirror {
         }
     }
 
-    [[nodiscard]] Kpr64s rowFor(Kpr64s y, Kpr64s height) const {
-        const Kpr64s skipped = height == 1 ? 0 : edge;
-        const Kpr64s period = 2 * (height - skipped);
-        const Kpr64s forward = (y % period + period) % period;
-        return forward < height ? forward : period - 1 + skipped - forward;
-    }
+    [[nodiscard]] KprBorderType mode() const { return edge == 1 ? KprBorderType{kprBorderMirror} : kRepeatEdge; }
 };
 
 template <template <int> typename Rule, int pixelBytes>
@@ -83,7 +79,7 @@ KprStatus extend(Layout at, Rule<pixelBytes> rule) {
         if constexpr (std::is_same_v<Rule<pixelBytes>, Constant<pixelBytes>>)
             fillPixels<pixelBytes>(whole[y], rule.value, width);
         else
-            copyBytes(whole[y], whole[rule.rowFor(y, at.height)], width * pixelBytes);
+            copyBytes(whole[y], whole[Axis{at.height, rule.mode()}(y)], width * pixelBytes);
     };
     for (Kpr64s y = -at.top; y < 0; ++y) makeRow(y);
     for (Kpr64s y = at.height; y < at.height + at.bottom; ++y) makeRow(y);
@@ -211,7 +207,7 @@ KprStatus copyWithMargins(const T* src, Kpr64s srcStep, KprSize size, KprBorderT
                        whole,
                        margin.height - above,
                        margin.width - before};
-    switch (borderType & kBaseMode) {
+    switch (baseOf(borderType)) {
         case kprBorderReplicate:
             return copy<Replicate, sizeof(T), Twin::None>(call);
         case kprBorderMirror:
@@ -228,10 +224,10 @@ using namespace n0;
 
 KprStatus CV_BORDER_CHECK_PARSE_FLAGS_NEW(KprBorderType word, KprBorderType defaultMode, KprBorderType* baseMode,
                                           KprBorderType* inMemory, KprBorderType* firstStage) {
-    const KprBorderType mode = word & kBaseMode;
+    const KprBorderType mode = baseOf(word);
     const bool known = oneOf(mode, kprBorderConstant, kprBorderReplicate, kprBorderMirror, kprBorderDefault);
-    const bool allInMemory = (word & ~kBaseMode) == kprBorderInMem;
-    if (word > 4095 || !(known || allInMemory)) return kprStatusBadBorder;
+    const bool memoryAlone = (word & ~kBaseMode) == kprBorderInMem;
+    if ((word & ~kMorphologyWord) != 0 || !(known || memoryAlone)) return kprStatusBadBorder;
     *baseMode = known ? mode : defaultMode;
     *inMemory = word & kprBorderInMem;
     *firstStage = word & kFirstStage;

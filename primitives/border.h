@@ -1,4 +1,4 @@
-// What lies beyond an image: the border word, and copies of an image with a border around it.
+// What lies beyond an image, and copies of an image with a border around it.
 //
 // Of n pixels in a row or column, the base modes read outside of them:
 //
@@ -17,30 +17,9 @@
 
 #include <type_traits>
 
-#include "frame/checks.h"
+#include "primitives/border_word.h"
 
 namespace n0 {
-
-// The parts of a border word. The flags of the middle part are kprBorderInMem; those of the last say that the first
-// stage of a compound operation reads its whole neighbourhood from memory.
-inline constexpr KprBorderType kBaseMode = 15;
-inline constexpr KprBorderType kFirstStage = 3840;
-
-constexpr bool oneOf(KprBorderType mode, auto... modes) { return ((mode == KprBorderType{modes}) || ...); }
-
-// ---- checks of the word as a function was given it. All sides in memory need no base mode.
-
-constexpr KprStatus borderServesFilter(KprBorderType word) {
-    const bool known =
-        word == kprBorderInMem || oneOf(word & kBaseMode, kprBorderConstant, kprBorderReplicate, kprBorderMirror);
-    return failIf(word > 255 || !known, kprStatusBadBorder);
-}
-
-constexpr KprStatus borderServesMorphology(KprBorderType word) {
-    const bool known = word == kprBorderInMem || oneOf(word & kBaseMode, kprBorderConstant, kprBorderReplicate,
-                                                       kprBorderMirror, kprBorderDefault);
-    return failIf(word > 4095 || !known, kprStatusBadBorder);
-}
 
 // ---- the bordered copies
 

@@ -10,7 +10,7 @@
 #include "frame/checks.h"
 #include "primitives/rows.h"
 
-namespace n0 {
+namespace n0::stats {
 namespace {
 
 template <typename T, typename Size>
@@ -41,9 +41,10 @@ KprStatus absDiffBytes(const Kpr8u* src1, int src1Step, const Kpr8u* src2, int s
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::stats
 
 using namespace n0;
+using namespace n0::stats;
 
 KprStatus kpriAbsDiff_8u_C1R(const Kpr8u* src1, int src1Step, const Kpr8u* src2, int src2Step, Kpr8u* dst, int dstStep,
                              KprSize roiSize) {

@@ -12,7 +12,7 @@
 #include "frame/checks.h"
 #include "primitives/rows.h"
 
-namespace n0 {
+namespace n0::stats {
 namespace {
 
 using Floats = Vec<Kpr32f>;
@@ -71,9 +71,10 @@ KprStatus stepsHold(KprSize roi, int maskStep, int srcDstStep, Step... srcSteps)
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::stats
 
 using namespace n0;
+using namespace n0::stats;
 
 KprStatus kpriAdd_8u32f_C1IR(const Kpr8u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
     return firstFailure(notNull(src, srcDst), roiHolds(roiSize),

@@ -10,7 +10,7 @@
 
 #include "stats/selection.h"
 
-namespace n0 {
+namespace n0::stats {
 
 // The sum of the lanes, in their order; integers modulo 2^64.
 template <typename T>
@@ -136,4 +136,4 @@ struct Largest {
     }
 };
 
-}  // namespace n0
+}  // namespace n0::stats

@@ -9,7 +9,7 @@
 #include "primitives/math.h"
 #include "stats/folds.h"
 
-namespace n0 {
+namespace n0::stats {
 namespace {
 
 KPR_INLINE Kpr64s countOf(All, int step) { return step; }
@@ -112,9 +112,10 @@ KprStatus meanAndDeviationOf(const Plane& plane, Selection selection, KprSize ro
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::stats
 
 using namespace n0;
+using namespace n0::stats;
 
 KprStatus kpriMean_8u_C1MR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                            Kpr64f* mean) {

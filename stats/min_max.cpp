@@ -11,7 +11,7 @@
 #include "primitives/extrema_rows.h"
 #include "stats/selection.h"
 
-namespace n0 {
+namespace n0::stats {
 namespace {
 
 struct Position {
@@ -241,9 +241,10 @@ KprStatus minMax(const T* src, int srcStep, KprSize roi, int channel, Kpr32f* mi
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::stats
 
 using namespace n0;
+using namespace n0::stats;
 
 KprStatus kpriMinMaxIndx_8u_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr32f* minValue, Kpr32f* maxValue,
                                 KprPoint* minIndex, KprPoint* maxIndex) {

@@ -2,7 +2,7 @@
 // the pixel. Pixels that are not selected are not read; no pixel at all gives 0. How sums are formed stands in folds.h.
 #include "stats/norm.h"
 
-namespace n0 {
+namespace n0::stats {
 namespace {
 
 // Of floats the source's multiple is tested before the mask's length.
@@ -12,9 +12,10 @@ KprStatus floatStepsHold(KprSize roi, int channels, int maskStep, int srcStep) {
 }
 
 }  // namespace
-}  // namespace n0
+}  // namespace n0::stats
 
 using namespace n0;
+using namespace n0::stats;
 
 KprStatus kpriNorm_Inf_8u_C1MR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                Kpr64f* value) {

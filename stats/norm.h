@@ -6,7 +6,7 @@
 #include "primitives/math.h"
 #include "stats/folds.h"
 
-namespace n0 {
+namespace n0::stats {
 
 // |v| and |a - b|.
 template <typename T>
@@ -85,4 +85,4 @@ KprStatus normRel(KprSize roi, Masked mask, Kpr64f* value, const Plane& a, const
     return kprStatusOk;
 }
 
-}  // namespace n0
+}  // namespace n0::stats

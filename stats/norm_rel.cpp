@@ -4,6 +4,7 @@
 #include "stats/norm.h"
 
 using namespace n0;
+using namespace n0::stats;
 
 KprStatus kpriNormRel_Inf_8u_C1MR(const Kpr8u* src1, int src1Step, const Kpr8u* src2, int src2Step, const Kpr8u* mask,
                                   int maskStep, KprSize roiSize, Kpr64f* value) {

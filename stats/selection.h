@@ -10,7 +10,7 @@
 #include "frame/checks.h"
 #include "primitives/rows.h"
 
-namespace n0 {
+namespace n0::stats {
 
 // A step is one vector of integers, two of floats: the two chains of additions then hide each other's latency.
 template <typename T>
@@ -165,4 +165,4 @@ constexpr KprStatus stepsHold(KprSize roi, int maskStep, Steps... srcSteps) {
                         stepsAlign<T>(srcSteps...));
 }
 
-}  // namespace n0
+}  // namespace n0::stats

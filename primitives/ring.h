@@ -2,7 +2,7 @@
 // high, and each output row is made from the ring while its rows are still in the cache.
 #pragma once
 
-#include "filter/border_rule.h"
+#include "primitives/axis.h"
 
 namespace n0 {
 

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "filter/border_rule.h"
+#include "primitives/axis.h"
 #include "primitives/rows.h"
 
 namespace n0 {
