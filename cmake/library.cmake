@@ -45,7 +45,7 @@ set_target_properties(kprcv_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
 
 add_library(kprcv_build_flags INTERFACE)
 target_compile_options(kprcv_build_flags INTERFACE
-    -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion -Werror
+    -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion $<$<BOOL:${KPRCV_WERROR}>:-Werror>
     -march=x86-64-v4 -mprefer-vector-width=512
     -ffp-contract=off              # a fused step is an explicit fma
     -fcf-protection=full -fstack-protector-strong -fvisibility=hidden -fno-plt
@@ -78,6 +78,8 @@ else()
         OUTPUT_NAME kprcvn0
         LINK_DEPENDS ${PROJECT_SOURCE_DIR}/frame/exports.map)
 endif()
+# Calls to these are made after link-time optimisation has looked for callers.
+set_property(SOURCE ${PROJECT_SOURCE_DIR}/frame/memory.cpp PROPERTY COMPILE_OPTIONS -fno-lto)
 set_property(SOURCE ${PROJECT_SOURCE_DIR}/frame/entries.S PROPERTY OBJECT_DEPENDS ${PROJECT_SOURCE_DIR}/frame/exports.inc)
 target_include_directories(kprcv INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)

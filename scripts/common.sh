@@ -4,20 +4,21 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 say() { printf '\n== %s\n' "$*"; }
 
-# need PACKAGE...: installs what is missing where this user may, otherwise prints the one line to type.
+# need PACKAGE...: what is missing is installed for root and in CI, for others after a yes or with KPRCV_INSTALL=1.
 need() {
-    local missing=()
+    local missing=() as_root=() answer
     for package in "$@"; do
         dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q ' installed' || missing+=("$package")
     done
     if [ "${#missing[@]}" -eq 0 ]; then return; fi
-    local as_root=()
     if [ "$(id -u)" -ne 0 ]; then
-        if ! sudo -n true 2>/dev/null; then
-            echo "Packages are missing. Type:  sudo apt-get install ${missing[*]}" >&2
-            exit 1
-        fi
         as_root=(sudo)
+        echo "Packages are missing:  sudo apt-get install ${missing[*]}" >&2
+        if [ "${CI:-}" != true ] && [ "${KPRCV_INSTALL:-}" != 1 ]; then
+            if [ ! -t 0 ]; then exit 1; fi
+            read -r -p "Install them now? [y/N] " answer
+            if [ "$answer" != y ]; then exit 1; fi
+        fi
     fi
     say "Installing ${missing[*]}"
     "${as_root[@]}" apt-get update -qq

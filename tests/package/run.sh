@@ -8,7 +8,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 cmake --install "$build_dir" --prefix "$work/installed" >"$work/log"
-cmake -S "$source_dir/tests/package" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/installed" >>"$work/log"
+cmake -G Ninja -S "$source_dir/tests/package" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/installed" >>"$work/log"
 cmake --build "$work/build" >>"$work/log"
 "$work/build/use_from_c"
 "$work/build/use_from_cpp"
