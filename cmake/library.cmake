@@ -14,6 +14,10 @@ add_library(kprcv_objects OBJECT
     filter/gaussian_large.cpp
     filter/row_pipeline.cpp
     filter/sobel.cpp
+    geometry/copy_subpix.cpp
+    geometry/copy_subpix_intersect.cpp
+    geometry/sample_line.cpp
+    geometry/undistort.cpp
     morph/bits.cpp
     morph/compound.cpp
     morph/compound_bits.cpp
@@ -23,6 +27,7 @@ add_library(kprcv_objects OBJECT
     morph/structuring.cpp
     morph/structuring_large.cpp
     morph/tap_walk.cpp
+    motion/motion_history.cpp
     primitives/arithmetic.cpp
     primitives/border.cpp
     primitives/copy.cpp

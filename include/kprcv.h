@@ -19,7 +19,9 @@
 
 #include <kprcv/filter.h>
 #include <kprcv/frame.h>
+#include <kprcv/geometry.h>
 #include <kprcv/morph.h>
+#include <kprcv/motion.h>
 #include <kprcv/stats.h>
 #include <kprcv/types.h>
 

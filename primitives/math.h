@@ -53,5 +53,6 @@ namespace n0 {
 
 // a * b + c, rounded once.
 inline Kpr64f fma(Kpr64f a, Kpr64f b, Kpr64f c) { return __builtin_fma(a, b, c); }
+inline Kpr32f fma(Kpr32f a, Kpr32f b, Kpr32f c) { return __builtin_fmaf(a, b, c); }
 
 }  // namespace n0

@@ -39,6 +39,11 @@ typedef struct KprPointL {
     int64_t y;
 } KprPointL;
 
+typedef struct KprPoint32f {
+    float x;
+    float y;
+} KprPoint32f;
+
 typedef struct KprRect {
     int32_t x;
     int32_t y;
