@@ -27,6 +27,7 @@ add_library(kprcv_objects OBJECT
     morph/structuring.cpp
     morph/structuring_large.cpp
     morph/tap_walk.cpp
+    motion/mixture.cpp
     motion/motion_history.cpp
     primitives/arithmetic.cpp
     primitives/border.cpp

@@ -17,7 +17,7 @@
 #include "frame/checks.h"
 #include "primitives/math.h"
 #include "primitives/rows.h"
-#include "primitives/simd_gather.h"
+#include "primitives/simd_pixels.h"
 #include "primitives/sizes.h"
 
 namespace n0::geometry {

@@ -27,6 +27,63 @@ KprStatus kpriUpdateMotionHistory_16u32f_C1IR(const Kpr16u* silhouette, int silh
 KprStatus kpriUpdateMotionHistory_32f_C1IR(const Kpr32f* silhouette, int silhouetteStep, Kpr32f* history,
                                            int historyStep, KprSize roiSize, Kpr32f timeStamp, Kpr32f duration);
 
+/* The foreground mixture model: tells what moves in a video of three 8-bit channels from its background. Each pixel keeps
+ * up to maxModes modes, of a weight, a mean colour and a variance each, in the order of falling weights.
+ *
+ * The parameters have no defaults: every field counts. */
+typedef struct KprFGMMModel {
+    uint32_t historyLength; /* frames over which the automatic learning rate settles */
+    int32_t modeCount;      /* modes in use, 1 to the state's maximum; more than 255 count as 255 */
+    float varianceInit;     /* of a new mode */
+    float varianceMin;      /* what a mode's variance is held above */
+    float varianceMax;      /* and below */
+    float backgroundFactor; /* background, if the squared distance is below this times the variance */
+    float backgroundWeight; /* only modes before the sum of weights reaches this are background */
+    float matchFactor;      /* a mode matches, if the squared distance is below this times the variance */
+    float weightDecay;      /* each frame a mode's weight loses the learning rate times this */
+    uint8_t shadowLabel;    /* the result of a pixel in shadow */
+    uint8_t shadowEnabled;  /* not 0: pixels that are no background are tested for shadow */
+    float shadowRatioMin;   /* the least brightness of a shadow, as a share of the background's */
+} KprFGMMModel;
+
+/* The state in the caller's memory. It holds addresses of its own: a copy elsewhere is no state. One call at a time. */
+typedef struct KprFGMMState KprFGMMState;
+
+/* The bytes of a state for frames of roiSize. Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadArg
+ * (maxModes below 1), kprStatusSizeOverflow (a size beyond 2^31 - 1; nothing is written). */
+KprStatus kpriFGMMGetBufferSize_8u_C3R(KprSize roiSize, int maxModes, int* bufferSize);
+
+/* Fills a state, which may lie at any address: no frames, no modes. The model is copied; maxModes takes the place of its
+ * modeCount. Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadArg (maxModes below 1). */
+KprStatus kpriFGMMInit_8u_C3R(KprSize roiSize, int maxModes, const KprFGMMModel* model, KprFGMMState* state);
+
+/* Takes a frame into the model and tells for each pixel: 0 background, model.shadowLabel shadow, 255 foreground.
+ *
+ * src, dst      three channels, and one; steps in bytes, which are trusted to hold their rows. They must not overlap.
+ * roiSize       as at the initialisation
+ * model         null, or parameters that replace the state's from this frame on. Where its modeCount is below the number
+ *               of modes that a pixel has, the lightest are dropped.
+ * learningRate  alpha, from 0 to 1: how fast the model follows. A negative one, and the first frame always, take
+ *               1 / min(2 * n, historyLength) at frame n.
+ *
+ * Each mode's weight w becomes fma(1 - alpha, w, -alpha * weightDecay). In the order of weights, the first mode with
+ * dot(d, d) < matchFactor * v, d = mean - colour, takes the colour in: w += alpha, k = alpha / w, mean -= k * d,
+ * v += k * (dot(d, d) - v). A mode whose weight falls below alpha * weightDecay is dropped; the weights then add up to 1.
+ * A colour without a match makes a new mode, in place of the lightest where there is no room. A pixel is background, if
+ * it is near enough to a mode before backgroundWeight is reached; shadow, if it is such a mode's colour times a factor
+ * from shadowRatioMin to 1. Single precision, each operation rounded once.
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadStep (a step below 1), kprStatusBadSize, kprStatusBadArg
+ * (model->modeCount below 1 or above the state's maximum: nothing changes). */
+KprStatus kpriFGMMForeground_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                                    KprFGMMState* state, const KprFGMMModel* model, double learningRate);
+
+/* Shows the background that the model holds: the mean, by their weights, of the modes up to the one with which the sum
+ * of weights exceeds backgroundWeight, to the nearest integer. 0 before the first frame. The state is only read.
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadStep (below 1), kprStatusBadSize. */
+KprStatus kpriFGMMBackground_8u_C3R(Kpr8u* dst, int dstStep, KprSize roiSize, const KprFGMMState* state);
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,4 +1,4 @@
-// Pixels fetched from anywhere, and what is done with positions.
+// Pixels of several channels taken apart and put together, pixels fetched from anywhere, and positions.
 #pragma once
 
 #include "primitives/simd.h"
@@ -52,6 +52,9 @@ KPR_INLINE Mask<Kpr32f> within(Vec<Kpr32f> v, Vec<Kpr32f> low, Vec<Kpr32f> high)
     return _mm512_mask_cmp_ps_mask(_mm512_cmp_ps_mask(ps(v), ps(low), _CMP_GE_OQ), ps(v), ps(high), _CMP_LE_OQ);
 }
 
+// Where a >= b; false where either is a NaN.
+KPR_INLINE Mask<Kpr32f> atLeast(Vec<Kpr32f> a, Vec<Kpr32f> b) { return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_GE_OQ); }
+
 // The lanes of three vectors in turn: out[0] has the first sixteen.
 template <typename T>
 KPR_INLINE void interleaveThree(Vec<T> a, Vec<T> b, Vec<T> c, Vec<T>* out) {
@@ -75,6 +78,59 @@ KPR_INLINE void eachOfThree(All part, int, auto put) {
 KPR_INLINE void eachOfThree(First part, int lanes, auto put) {
     const Kpr64s elements = 3 * _mm_popcnt_u64(part.bits);
     for (int k = 0; k < 3; ++k) put(First{elements > k * lanes ? elements - k * lanes : 0}, k);
+}
+
+// Sixteen pixels of three bytes, a channel in each of `out`.
+template <typename Part>
+KPR_INLINE void loadThree(const Kpr8u* src, Part part, Vec<Kpr32f>* out) {
+    Kpr64s bytes = 48;
+    if constexpr (std::is_same_v<Part, First>) bytes = 3 * _mm_popcnt_u64(part.bits);
+    const auto inQuarters = laneConstant<Kpr32s>([](int i) { return i / 4 * 3 + (i % 4 == 3 ? 0 : i % 4); });
+    const auto v = permute(as<Kpr32s>(load(src, First{bytes})), inQuarters);
+    const auto channel = [&]<int c>(std::integral_constant<int, c>) {
+        const auto from = laneConstant<Kpr8u>([](int i) { return i % 4 == 0 ? i % 16 / 4 * 3 + c : 0x80; });
+        out[c] = toFloat(as<Kpr32s>(permuteIn16(as<Kpr8u>(v), from)));
+    };
+    channel(std::integral_constant<int, 0>{});
+    channel(std::integral_constant<int, 1>{});
+    channel(std::integral_constant<int, 2>{});
+}
+
+// Four vectors of four elements a pixel and four of one element each, one from the other.
+struct FourOf {
+    Vec<Kpr32f> v[4];
+};
+KPR_INLINE FourOf transposed(const FourOf& in) {
+    const auto pair = laneConstant<Kpr32s>([](int i) { return i % 8 / 4 * 16 + i % 4 * 4 + i / 8; });
+    const auto pairUpper = laneConstant<Kpr32s>([](int i) { return i % 8 / 4 * 16 + i % 4 * 4 + i / 8 + 2; });
+    const auto lower = laneConstant<Kpr32s>([](int i) { return i % 8 + i / 8 * 16; });
+    const auto upper = laneConstant<Kpr32s>([](int i) { return i % 8 + i / 8 * 16 + 8; });
+    const auto take = [](Vec<Kpr32s> a, Vec<Kpr32s> b, Vec<Kpr32s> from) { return permute(a, b, from); };
+    const auto a = as<Kpr32s>(in.v[0]), b = as<Kpr32s>(in.v[1]), c = as<Kpr32s>(in.v[2]), d = as<Kpr32s>(in.v[3]);
+    const auto ab01 = take(a, b, pair), ab23 = take(a, b, pairUpper), cd01 = take(c, d, pair),
+               cd23 = take(c, d, pairUpper);
+    return {{as<Kpr32f>(take(ab01, cd01, lower)), as<Kpr32f>(take(ab01, cd01, upper)),
+             as<Kpr32f>(take(ab23, cd23, lower)), as<Kpr32f>(take(ab23, cd23, upper))}};
+}
+KPR_INLINE FourOf interleaved(const FourOf& in) {
+    const auto firsts = laneConstant<Kpr32s>([](int i) { return i / 2 + i % 2 * 16; });       // a0 b0 a1 b1 ... a7 b7
+    const auto seconds = laneConstant<Kpr32s>([](int i) { return i / 2 + i % 2 * 16 + 8; });  // a8 b8 ...
+    const auto lower = laneConstant<Kpr32s>([](int i) { return i / 4 * 2 + i % 2 + i % 4 / 2 * 16; });
+    const auto upper = laneConstant<Kpr32s>([](int i) { return i / 4 * 2 + i % 2 + i % 4 / 2 * 16 + 8; });
+    const auto a = as<Kpr32s>(in.v[0]), b = as<Kpr32s>(in.v[1]), c = as<Kpr32s>(in.v[2]), d = as<Kpr32s>(in.v[3]);
+    const auto ab = permute(a, b, firsts), cd = permute(c, d, firsts);
+    const auto abNext = permute(a, b, seconds), cdNext = permute(c, d, seconds);
+    return {{as<Kpr32f>(permute(ab, cd, lower)), as<Kpr32f>(permute(ab, cd, upper)),
+             as<Kpr32f>(permute(abNext, cdNext, lower)), as<Kpr32f>(permute(abNext, cdNext, upper))}};
+}
+
+// Calls put(part, k) for the four vectors that hold four elements of each pixel of the part.
+KPR_INLINE void eachOfFour(All part, auto put) {
+    for (int k = 0; k < 4; ++k) put(part, k);
+}
+KPR_INLINE void eachOfFour(First part, auto put) {
+    const Kpr64s elements = 4 * _mm_popcnt_u64(part.bits);
+    for (int k = 0; k < 4; ++k) put(First{elements > k * 16 ? elements - k * 16 : 0}, k);
 }
 
 }  // namespace n0
