@@ -32,6 +32,8 @@ add_library(kprcv_objects OBJECT
     primitives/sort.cpp
     primitives/threshold.cpp
     primitives/vector_math.cpp
+    segment/flood_fill.cpp
+    segment/flood_gradient.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
     stats/mean.cpp

@@ -20,6 +20,7 @@
 #include <kprcv/filter.h>
 #include <kprcv/frame.h>
 #include <kprcv/morph.h>
+#include <kprcv/segment.h>
 #include <kprcv/stats.h>
 #include <kprcv/types.h>
 
