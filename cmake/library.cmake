@@ -32,8 +32,11 @@ add_library(kprcv_objects OBJECT
     primitives/sort.cpp
     primitives/threshold.cpp
     primitives/vector_math.cpp
+    segment/bounds.cpp
     segment/flood_fill.cpp
     segment/flood_gradient.cpp
+    segment/label_markers.cpp
+    segment/speckles.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
     stats/mean.cpp

@@ -3,5 +3,6 @@
 #define KPRCV_SEGMENT_H
 
 #include <kprcv/segment_fill.h>
+#include <kprcv/segment_label.h>
 
 #endif

@@ -118,4 +118,42 @@ inline Filled fillInOrder(KprSize size, std::vector<char> passes, KprPoint seed,
     return result;
 }
 
+// Labels of connected pixels: `joins(a, b)` is asked of neighbours only. 0 where `counts(pixel)` is false.
+template <typename T, typename Counts, typename Joins>
+std::vector<int> components(const Picture<T>& image, int neighbours, Counts counts, Joins joins) {
+    const auto [w, h] = image.size;
+    std::vector<int> labels(std::size_t(w) * h, 0);
+    int next = 0;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            if (labels[std::size_t(y) * w + x] != 0 || !counts(*image.at(x, y))) continue;
+            const auto region = reach(image, {x, y}, neighbours,
+                                      [&](const T* from, const T* to) { return counts(*to) && joins(*from, *to); });
+            ++next;
+            for (std::size_t i = 0; i < labels.size(); ++i) {
+                if (region.map[i]) labels[i] = next;
+            }
+        }
+    }
+    return labels;
+}
+
+// Walls drawn in raster order, in place.
+template <typename T>
+void boundSegments(Picture<T>& image, T wall, bool diagonals) {
+    const auto [w, h] = image.size;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            for (int i : {0, 2, 4, 5}) {  // left, above, upper left, upper right
+                const int nx = x + kNeighbours[i][0], ny = y + kNeighbours[i][1];
+                if ((i >= 4 && !diagonals) || !image.holds(nx, ny)) continue;
+                if (*image.at(nx, ny) != wall && *image.at(nx, ny) != *image.at(x, y)) {
+                    *image.at(x, y) = wall;
+                    break;
+                }
+            }
+        }
+    }
+}
+
 }  // namespace reference
