@@ -33,6 +33,7 @@ add_library(kprcv_objects OBJECT
     primitives/threshold.cpp
     primitives/vector_math.cpp
     segment/bounds.cpp
+    segment/colour_steps.cpp
     segment/flood_fill.cpp
     segment/flood_gradient.cpp
     segment/label_markers.cpp

@@ -3,6 +3,7 @@
 #define KPRCV_SEGMENT_H
 
 #include <kprcv/segment_fill.h>
+#include <kprcv/segment_flood.h>
 #include <kprcv/segment_label.h>
 
 #endif

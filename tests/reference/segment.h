@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <map>
+#include <queue>
 #include <vector>
 
 namespace reference {
@@ -151,6 +151,63 @@ void boundSegments(Picture<T>& image, T wall, bool diagonals) {
                     *image.at(x, y) = wall;
                     break;
                 }
+            }
+        }
+    }
+}
+
+// Growing along colour steps: every offer waits in a heap by its level and its turn; one for a pixel that has a label by
+// then is dropped.
+inline void colourSteps(const Picture<Kpr8u>& image, std::vector<Kpr8u>& marker, int neighbours) {
+    struct Offer {
+        int level;
+        long turn;
+        int x, y;
+        Kpr8u label;
+        bool operator<(const Offer& other) const {
+            return level != other.level ? level > other.level : turn > other.turn;
+        }
+    };
+    std::priority_queue<Offer> waiting;
+    long turn = 0;
+    const auto [w, h] = image.size;
+    const auto at = [&, w = w](int x, int y) -> Kpr8u& { return marker[std::size_t(y) * w + x]; };
+    const auto offer = [&](int x, int y) {
+        for (int i = 0; i < neighbours; ++i) {
+            const int nx = x + kNeighbours[i][0], ny = y + kNeighbours[i][1];
+            if (!image.holds(nx, ny) || at(nx, ny) != 0) continue;
+            int level = 0;
+            for (int c = 0; c < image.channels; ++c)
+                level = std::max(level, std::abs(image.at(x, y)[c] - image.at(nx, ny)[c]));
+            waiting.push({level, turn++, nx, ny, at(x, y)});
+        }
+    };
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            if (at(x, y) != 0 && at(x, y) != 255) offer(x, y);
+        }
+    }
+    while (!waiting.empty()) {
+        const Offer best = waiting.top();
+        waiting.pop();
+        if (at(best.x, best.y) != 0) continue;
+        at(best.x, best.y) = best.label;
+        offer(best.x, best.y);
+    }
+}
+
+// Walls on labelled pixels with a right or lower neighbour of another label, decided before any is drawn.
+inline void wallsBetween(KprSize size, std::vector<Kpr8u>& marker, bool diagonals) {
+    const auto before = marker;
+    const auto [w, h] = size;
+    for (int y = 0; y < h; ++y) {
+        for (int x = 0; x < w; ++x) {
+            const Kpr8u label = before[std::size_t(y) * w + x];
+            for (int i : {1, 3, 6, 7}) {
+                const int nx = x + kNeighbours[i][0], ny = y + kNeighbours[i][1];
+                if ((i >= 4 && !diagonals) || nx < 0 || nx >= w || ny >= h || label == 0) continue;
+                const Kpr8u other = before[std::size_t(ny) * w + nx];
+                if (other != label && other != 0 && other != 255) marker[std::size_t(y) * w + x] = 255;
             }
         }
     }
