@@ -38,6 +38,7 @@ add_library(kprcv_objects OBJECT
     segment/flood_gradient.cpp
     segment/label_markers.cpp
     segment/speckles.cpp
+    segment/watershed.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
     stats/mean.cpp

@@ -109,7 +109,6 @@ class ColourSteps {
             }
         }
         for (Kpr32s pixel = lists_.takeFirst(); pixel >= 0; pixel = lists_.takeFirst()) {
-            levels_[pixel] = 0;
             offer(pixel);
         }
         for (Kpr64s y = 0; y < height_; ++y) {
@@ -155,6 +154,7 @@ class ColourSteps {
                 if (labels_[pixel + offsets_[i]] == 0) better |= Bits64{1} << i;
             }
         }
+        levels_[pixel] = 0;  // not before the vector load around it, which would wait for the store
         const Kpr8u label = labels_[pixel];
         for (const Bits64 levels = word(steps); better != 0; better &= better - 1) {
             const int i = std::countr_zero(better);

@@ -16,8 +16,8 @@ inline int hashOf(int x, int y) {
 }
 
 inline Kpr8u sceneAt(int x, int y, int channel) {
-    const int shape = (std::sin(x / 37.0 + channel) + std::sin(y / 29.0) > 0.4 ? 60 : 0) +
-                      (std::sin((x + y) / 71.0) > 0.2 ? 40 : 0);
+    const int shape =
+        (std::sin(x / 37.0 + channel) + std::sin(y / 29.0) > 0.4 ? 60 : 0) + (std::sin((x + y) / 71.0) > 0.2 ? 40 : 0);
     const double shade = 20 * std::sin(x / 200.0) + 15 * std::cos(y / 140.0 + channel);
     return static_cast<Kpr8u>(60 + shape + shade + hashOf(x, y * 3 + channel) % 5 + hashOf(x / 3, y / 3) % 4);
 }

@@ -27,6 +27,46 @@ enum {
     kprSegWall8 = 128    /* the same, pixels at the corners too */
 };
 
+/* Bytes that the work buffer of kpriSegmentWatershed needs; what does not fit into 32 bits wraps. With w x h the ROI and
+ * s the bytes of a label, in 8u and 8u16u the larger of 16*w*h + s*(w+2)*(h+2) + 48 and 6*p*h + 2*p + h + 66, where p is
+ * s*w rounded up to a multiple of 32; in 32f16u 9*q*h + h + 66, where q is w rounded up to a multiple of 4.
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize. */
+KprStatus kpriSegmentWatershedGetBufferSize_8u_C1R(KprSize roiSize, int* bufferSize);
+KprStatus kpriSegmentWatershedGetBufferSize_8u16u_C1R(KprSize roiSize, int* bufferSize);
+KprStatus kpriSegmentWatershedGetBufferSize_32f16u_C1R(KprSize roiSize, int* bufferSize);
+
+/* Floods a relief from markers: every pixel takes the label whose flood reaches it along the lowest way.
+ *
+ * With kprSegQueue markers flood in the order of levels. A pixel waits at the level of its relief, but not below the level
+ * that the flood has reached; within a level in the order in which pixels were reached, markers in raster order. With a
+ * wall flag, a marker that touches another label which is not the wall becomes a wall itself, in raster order (with
+ * kprSegWall8 corners count), and a pixel that is reached becomes a wall where there are two labels, or none, around it
+ * (with kprSegWall4 beside, above and below, whether kprSegWall8 is set or not). Walls flood on.
+ *
+ * With kprSegIterative the cost of a path is the highest relief on it, and of equal ones its length since the last rise;
+ * sweeps down and up the image give each pixel the label of its cheapest path. With a wall flag, at the end, of two
+ * neighbours with different labels the one of greater cost becomes a wall, of equal cost the right or lower one. Where both
+ * flags are set the first rules, in 32f16u the second.
+ *
+ * A marker of the wall value floods like any other and counts as no segment. Without any marker nothing is labelled.
+ *
+ * src, srcStep        the relief, which stays as it is; bytes from row to row
+ * marker, markerStep  the markers, and the result; not the same image
+ * roiSize             pixels; at least 1 x 1
+ * norm                kprSegNormChess to kprSegNormMarch; with kprSegQueue kprSegNormChess or kprSegNormCity
+ * flag                kprSegQueue or kprSegIterative, and kprSegWall4, kprSegWall8 or neither; other bits are ignored
+ * buffer              of the size told by kpriSegmentWatershedGetBufferSize, at any address
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadStep, kprStatusStepNotMultiple (8u16u, 32f16u),
+ * kprStatusBadArg (norm, neither way asked for), kprStatusBadMode (32f16u: kprSegQueue). */
+KprStatus kpriSegmentWatershed_8u_C1IR(const Kpr8u* src, int srcStep, Kpr8u* marker, int markerStep, KprSize roiSize,
+                                       int norm, int flag, Kpr8u* buffer);
+KprStatus kpriSegmentWatershed_8u16u_C1IR(const Kpr8u* src, int srcStep, Kpr16u* marker, int markerStep,
+                                          KprSize roiSize, int norm, int flag, Kpr8u* buffer);
+KprStatus kpriSegmentWatershed_32f16u_C1IR(const Kpr32f* src, int srcStep, Kpr16u* marker, int markerStep,
+                                           KprSize roiSize, int norm, int flag, Kpr8u* buffer);
+
 /* Bytes that the work buffer of kpriSegmentGradient needs, at most 14 for each pixel and 4096. Returns kprStatusOk,
  * kprStatusNullPtr, kprStatusBadSize, kprStatusSizeOverflow. */
 KprStatus kpriSegmentGradientGetBufferSize_8u_C1R(KprSize roiSize, int* bufferSize);
