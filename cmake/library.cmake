@@ -5,8 +5,6 @@
 #                   the entries stand in for it.
 
 add_library(kprcv_objects OBJECT
-    frame/cache.cpp
-    frame/version.cpp
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp
@@ -14,6 +12,8 @@ add_library(kprcv_objects OBJECT
     filter/gaussian_large.cpp
     filter/row_pipeline.cpp
     filter/sobel.cpp
+    frame/cache.cpp
+    frame/version.cpp
     geometry/copy_subpix.cpp
     geometry/copy_subpix_intersect.cpp
     geometry/sample_line.cpp
@@ -38,6 +38,13 @@ add_library(kprcv_objects OBJECT
     primitives/sort.cpp
     primitives/threshold.cpp
     primitives/vector_math.cpp
+    segment/bounds.cpp
+    segment/colour_steps.cpp
+    segment/flood_fill.cpp
+    segment/flood_gradient.cpp
+    segment/label_markers.cpp
+    segment/speckles.cpp
+    segment/watershed.cpp
     stats/abs_diff.cpp
     stats/accumulate.cpp
     stats/mean.cpp
