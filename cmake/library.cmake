@@ -7,6 +7,7 @@
 add_library(kprcv_objects OBJECT
     frame/cache.cpp
     frame/version.cpp
+    distance/exact.cpp
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp
