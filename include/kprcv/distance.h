@@ -138,6 +138,76 @@ KprStatus kpriFastMarchingGetBufferSize_8u32f_C1R(KprSize roiSize, int* bufferSi
 KprStatus kpriFastMarching_8u32f_C1R(const Kpr8u* mask, int maskStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                      Kpr32f radius, Kpr8u* buffer);
 
+/* ---- inpainting */
+
+/* What an initialising call knows of a hole: which pixels are to be filled, in which order, from what surroundings. */
+typedef struct KprInpaintState KprInpaintState;
+
+/* Bytes that the state block and the work buffer need.
+ *
+ * mask          not zero where a pixel is to be filled
+ * maskStep      bytes from row to row
+ * roiSize       pixels; at least 1 x 1
+ * radius        of the disc that a pixel is filled from, pixels; at least 1
+ * method        0 or 1, see kpriInpaintInit_8u_C1R
+ * channels      1 or 3
+ * stateSize, bufferSize   receive the sizes in bytes
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadStep, kprStatusBadArg (radius, method),
+ * kprStatusBadChannelCount, kprStatusSizeOverflow (nothing is written then). */
+KprStatus kpriInpaintGetSize(const Kpr8u* mask, int maskStep, KprSize roiSize, Kpr32f radius, int method, int channels,
+                             int* stateSize, int* bufferSize);
+
+/* Prepares the filling of a hole. One state serves many images of the same size, one at a time.
+ *
+ * Pixels are filled by ascending distance, those of equal distance in raster order, NaN last. A pixel becomes the mean
+ * of the known ones in the disc around it, hole pixels that were filled before among them, each weighted by
+ *
+ *     method 0:  c / sqrt(gx^2 + gy^2) / (r * r^2)                     with c = |dy * gx - dx * gy|, r^2 = dx^2 + dy^2
+ *     method 1:  c / sqrt((gx^2 + gy^2) * r^2) / (1 + (r^2)^2)
+ *
+ * where (dx, dy) leads to the known pixel and (gx, gy) is the gradient there: what lies along an edge through the known
+ * pixel counts most. c = 0 counts as a quotient of 1e-6. The gradient is that of neighbours at the sides: the difference
+ * of both, or twice that to one where the other is unknown or outside of the ROI; it is taken when the filling begins,
+ * and of a filled pixel when it has been filled. Where the weights add up to less than 1e-4, the pixel becomes the mean
+ * of its known neighbours at the four sides, if there is one. A pixel with nothing known in its disc becomes 0. Values
+ * are formed in single precision and rounded to nearest, halves up. Of three channels each is filled as if alone.
+ *
+ * state         receives the state, which lies in stateMemory
+ * dist          distances that order the filling, such as those of kpriFastMarching_8u32f_C1R; read where the mask is
+ *               not zero
+ * mask          not zero where a pixel is to be filled. Neither mask nor distances are needed any more after the call.
+ * distStep, maskStep   bytes from row to row
+ * radius, method       as given to kpriInpaintGetSize
+ * stateMemory, buffer  of the sizes told by kpriInpaintGetSize, at any address. The buffer goes unchanged with the state
+ *               to each filling call; it may be null if the mask is all zero.
+ *
+ * Returns kprStatusOk, or the first of: kprStatusNullPtr (mask), kprStatusBadSize, kprStatusBadStep (mask),
+ * kprStatusNullPtr (state, dist), kprStatusBadStep, kprStatusStepNotMultiple (dist), kprStatusNullPtr (stateMemory, then
+ * buffer), kprStatusBadArg (a radius below 1 or NaN, another method). */
+KprStatus kpriInpaintInit_8u_C1R(KprInpaintState** state, const Kpr32f* dist, int distStep, const Kpr8u* mask,
+                                 int maskStep, KprSize roiSize, Kpr32f radius, int method, Kpr8u* stateMemory,
+                                 Kpr8u* buffer);
+KprStatus kpriInpaintInit_8u_C3R(KprInpaintState** state, const Kpr32f* dist, int distStep, const Kpr8u* mask,
+                                 int maskStep, KprSize roiSize, Kpr32f radius, int method, Kpr8u* stateMemory,
+                                 Kpr8u* buffer);
+
+/* Copies an image and fills the hole.
+ *
+ * src           pixels; those of the hole are not looked at
+ * dst           receives the image; may be src with the same step, must not overlap it otherwise
+ * srcStep, dstStep   bytes from row to row
+ * roiSize       as given to the initialising call
+ * state         of an initialising call for as many channels; not written
+ * buffer        the buffer of that call; may be null if the mask was all zero
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize (also where the size is not the state's), kprStatusBadStep,
+ * kprStatusBadContext (a state for another number of channels). */
+KprStatus kpriInpaint_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                             const KprInpaintState* state, Kpr8u* buffer);
+KprStatus kpriInpaint_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                             const KprInpaintState* state, Kpr8u* buffer);
+
 #ifdef __cplusplus
 }
 #endif
