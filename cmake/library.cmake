@@ -5,6 +5,16 @@
 #                   the entries stand in for it.
 
 add_library(kprcv_objects OBJECT
+<<<<<<< HEAD
+=======
+    frame/cache.cpp
+    frame/version.cpp
+    distance/chamfer.cpp
+    distance/exact.cpp
+    distance/inpaint.cpp
+    distance/inpaint_init.cpp
+    distance/marching.cpp
+>>>>>>> distance
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp
@@ -22,6 +32,7 @@ add_library(kprcv_objects OBJECT
     morph/compound.cpp
     morph/compound_bits.cpp
     morph/compound_large.cpp
+    morph/gray.cpp
     morph/reconstruct.cpp
     morph/structure.cpp
     morph/structuring.cpp
