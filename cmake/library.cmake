@@ -5,16 +5,11 @@
 #                   the entries stand in for it.
 
 add_library(kprcv_objects OBJECT
-<<<<<<< HEAD
-=======
-    frame/cache.cpp
-    frame/version.cpp
     distance/chamfer.cpp
     distance/exact.cpp
     distance/inpaint.cpp
     distance/inpaint_init.cpp
     distance/marching.cpp
->>>>>>> distance
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp
