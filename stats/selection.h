@@ -8,6 +8,7 @@
 #include <bit>
 
 #include "frame/checks.h"
+#include "primitives/channels.h"
 #include "primitives/rows.h"
 
 namespace n0::stats {
@@ -49,10 +50,9 @@ struct Plane {
     }
 };
 
-// The channel `coi`, 1 to 3, of three interleaved ones. A vector's worth of its elements lies in three vectors, and
-// since 3 has no divisor in common with the number of lanes, each lane of the three bears exactly one: loading each
-// vector's own lanes over the others' brings the channel together. Pixel p then lies in lane (3p + coi - 1) mod the
-// lanes; the order matters to sums of floats alone, which are put in order.
+// The channel `coi`, 1 to 3, of three interleaved ones. A vector's worth of its elements lies in three vectors, in each
+// lane of one of them: loading each vector's own lanes over the others' brings the channel together. Pixel p then lies
+// in lane (3p + coi - 1) mod the lanes; the order matters to sums of floats alone, which are put in order.
 template <typename T>
 struct PlaneOfThree {
     static constexpr int channels = 3;
@@ -65,10 +65,8 @@ struct PlaneOfThree {
     Vec<Kpr32s> pixels;  // the lane of each pixel, for floats
 
     PlaneOfThree(const T* src, int step, int coi) : rows{src, step}, channel(coi - 1) {
-        constexpr Bits64 everyThird = 0x9249249249249249;
         for (int v = 0; v < 3; ++v) {
-            const int first = (channel + v * (3 - kLanes<T> % 3)) % 3;
-            lanes[v] = static_cast<Mask<T>>(everyThird << first);
+            lanes[v] = channelLanes<T, 3>(channel, v);
             before[v] = v == 0 ? 0 : before[v - 1] + std::popcount(lanes[v - 1]);
         }
         if constexpr (std::is_floating_point_v<T>) {
@@ -132,6 +130,7 @@ template <typename Selection, typename Visitor, typename Plane1, typename... Res
 KPR_INLINE void visitRoi(KprSize roi, Selection selection, Visitor& visitor, Plane1 plane, Rest... planes) {
     using T = typename Plane1::Element;
     constexpr bool rowsMatter = std::is_floating_point_v<T>;
+    constexpr Loop loop = Plane1::channels == 3 && sizeof...(Rest) != 0 ? Loop::Rolled : Loop::Unrolled;
     constexpr Kpr64s most = 1 << 13;
     constexpr Kpr64s stretch = rowsMatter ? Kpr64s{1} << 62 : most * kStep<T>;
     Kpr64s width = roi.width;
@@ -144,7 +143,7 @@ KPR_INLINE void visitRoi(KprSize roi, Selection selection, Visitor& visitor, Pla
     for (Kpr64s y = 0; y < height; ++y) {
         for (Kpr64s start = 0; start < width; start += stretch) {
             const Kpr64s count = std::min(width - start, stretch);
-            walkColumns<kStep<T>>(count, [&](auto part, Kpr64s x) {
+            walkColumns<kStep<T>, loop>(count, [&](auto part, Kpr64s x) {
                 const auto selected = selection.template select<T>(y, start + x, part);
                 visitor.take(selected, plane.read(y, start + x, selected), planes.read(y, start + x, selected)...);
             });

@@ -75,6 +75,30 @@ TEST_F(PastTheCache, Images) {
     }
 }
 
+// A conversion takes any step from 1 on, so that rows may begin between the multiples of an element's size.
+TEST_F(PastTheCache, RowsThatLieOddly) {
+    constexpr KprSize size = {1999, 801};
+    for (const auto& [first, gap] : {std::pair{0, 1}, {0, 2}, {1, 0}, {3, 4}}) {
+        eachAnswer([&] {
+            test::GuardedImage<Kpr16u> src(size, random);
+            src.fill(random);
+            const int step = size.width * 4 + gap;
+            const test::GuardedBytes memory(static_cast<std::size_t>(first + step * size.height - gap),
+                                            test::Guard::After);
+            char* dst = memory.data() + first;
+            ASSERT_EQ(kpriConvert_16u32f_C1R(src.data(), src.step(), reinterpret_cast<Kpr32f*>(dst), step, size),
+                      kprStatusOk);
+            for (int y = 0; y < size.height; ++y) {
+                for (int x = 0; x < size.width; ++x) {
+                    Kpr32f pixel;
+                    std::memcpy(&pixel, dst + std::ptrdiff_t{y} * step + 4 * x, sizeof pixel);
+                    ASSERT_EQ(pixel, static_cast<float>(src.at(x, y))) << x << ", " << y << ", gap " << gap;
+                }
+            }
+        });
+    }
+}
+
 TEST_F(PastTheCache, SizeIsWhatTheQueryWrote) {
     for (const CacheQuery& answer : kAnswers) {
         cacheQuery = answer;
