@@ -157,4 +157,14 @@ KPR_INLINE void scanRows(Rows<const T> src, KprSize roi, Running<T, channels, Ru
     }
 }
 
+// What extrema.cpp has compiled: of an image that has been checked, each channel's extrema.
+template <typename T, int channels>
+struct ExtremaOf {
+    static KprStatus min(Rows<const T> src, KprSize roi, T* values);
+    static KprStatus max(Rows<const T> src, KprSize roi, T* values);
+    static KprStatus minMax(Rows<const T> src, KprSize roi, T* smallest, T* largest);
+    static KprStatus minIndx(Rows<const T> src, KprSize roi, T* values, int* x, int* y);
+    static KprStatus maxIndx(Rows<const T> src, KprSize roi, T* values, int* x, int* y);
+};
+
 }  // namespace n0

@@ -23,8 +23,8 @@ void checkRowsFit() {
         for (Kpr64s width : numbers) {
             for (Kpr64s step : numbers) {
                 const auto bytes = static_cast<__int128>(width) * channels * static_cast<int>(sizeof(T));
-                EXPECT_EQ(n0::rowsFit<T>({width, channels}, most, step), step < bytes || most < bytes ? kprStatusBadStep
-                                                                                                    : kprStatusOk)
+                EXPECT_EQ(n0::rowsFit<T>({width, channels}, most, step),
+                          step < bytes || most < bytes ? kprStatusBadStep : kprStatusOk)
                     << width << " pixels of " << channels << " times " << sizeof(T) << " bytes in " << step;
             }
         }
