@@ -127,10 +127,10 @@ KprStatus moments(KprSize roi, Selection selection, Source source, Kpr64f* mean,
     MomentSums<typename Source::Element> sums;
     visitRoi(roi, selection, sums, source.plane());
     const auto count = static_cast<Kpr64f>(sums.count);
-    const Kpr64f average = sums.count == 0 ? 0.0 : sums.moments.sumValue() / count;
-    const Kpr64f square = sums.count == 0 ? 0.0 : sums.moments.squaresValue() / count;
-    if (mean != nullptr) *mean = average;
-    *stdDev = kprsSqrtOne(kprsFabsOne(fma(-average, average, square)));
+    const Kpr64f ofPixels = sums.count == 0 ? 0.0 : sums.moments.sumValue() / count;
+    const Kpr64f ofSquares = sums.count == 0 ? 0.0 : sums.moments.squaresValue() / count;
+    if (mean != nullptr) *mean = ofPixels;
+    *stdDev = kprsSqrtOne(kprsFabsOne(fma(-ofPixels, ofPixels, ofSquares)));
     return kprStatusOk;
 }
 
