@@ -23,10 +23,24 @@ constexpr KprStatus roiHolds(Size roi) {
     return failIf(roi.width < 1 || roi.height < 1, kprStatusBadSize);
 }
 
-// Each step holds a row of `width` elements of T; the product is formed in 64 bits and cannot wrap.
+// A row of interleaved pixels, whose length is asked for.
+struct RowLength {
+    Kpr64s pixels;
+    int channels;
+
+    constexpr RowLength(Kpr64s width, int channelsOfOne = 1)  // a width alone is a row of one channel
+        : pixels(width), channels(channelsOfOne) {}
+};
+
+// Each step holds a row of elements of T. A row that is longer than 64 bits can say is longer than any step, however
+// the checks before this one went.
 template <typename T, typename... Step>
-constexpr KprStatus rowsFit(Kpr64s width, Step... steps) {
-    return failIf(((Kpr64s{steps} < width * Kpr64s{sizeof(T)}) || ...), kprStatusBadStep);
+constexpr KprStatus rowsFit(RowLength row, Step... steps) {
+    Kpr64s bytes = 0;
+    if (__builtin_mul_overflow(row.pixels, row.channels * Kpr64s{sizeof(T)}, &bytes)) {
+        return failIf(row.pixels > 0, kprStatusBadStep);
+    }
+    return failIf(((Kpr64s{steps} < bytes) || ...), kprStatusBadStep);
 }
 
 // Stands in for the step of an image that a form does not have: it holds any row.

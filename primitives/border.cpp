@@ -16,6 +16,9 @@ struct Layout {
     Kpr64s left, right, top, bottom;
 };
 
+// What is copied beside the image's own rows: one function for all sizes of pixels.
+[[gnu::noinline]] void copyStretch(Kpr8u* dst, const Kpr8u* src, Kpr64s bytes) { copyBytes(dst, src, bytes); }
+
 // A rule makes the stretches on both sides of a row, whose pixels stand at `src`, around `image`; rows outside
 // the image are those that its `mode` names.
 template <int pixelBytes>
@@ -54,12 +57,12 @@ struct Mirror {
         for (Kpr64s done = left, period = 2 * stretch; done < at.left; period *= 2) {
             const Kpr64s count = std::min(period, at.left - done);
             done += count;
-            copyBytes(image - done * pixelBytes, image + (period - done) * pixelBytes, count * pixelBytes);
+            copyStretch(image - done * pixelBytes, image + (period - done) * pixelBytes, count * pixelBytes);
         }
         for (Kpr64s done = right, period = 2 * stretch; done < at.right; period *= 2) {
             const Kpr64s count = std::min(period, at.right - done);
             Kpr8u* dst = image + (at.width + done) * pixelBytes;
-            copyBytes(dst, dst - period * pixelBytes, count * pixelBytes);
+            copyStretch(dst, dst - period * pixelBytes, count * pixelBytes);
             done += count;
         }
     }
@@ -79,7 +82,7 @@ KprStatus extend(Layout at, Rule<pixelBytes> rule) {
         if constexpr (std::is_same_v<Rule<pixelBytes>, Constant<pixelBytes>>)
             fillPixels<pixelBytes>(whole[y], rule.value, width);
         else
-            copyBytes(whole[y], whole[Axis{at.height, rule.mode()}(y)], width * pixelBytes);
+            copyStretch(whole[y], whole[Axis{at.height, rule.mode()}(y)], width * pixelBytes);
     };
     for (Kpr64s y = -at.top; y < 0; ++y) makeRow(y);
     for (Kpr64s y = at.height; y < at.height + at.bottom; ++y) makeRow(y);
@@ -114,7 +117,7 @@ constexpr KprStatus borderFits(KprSizeL size, KprSizeL whole, Kpr64s top, Kpr64s
     return failIf(!fits(size.width, left, whole.width) || !fits(size.height, top, whole.height), kprStatusBadSize);
 }
 
-KprStatus check(const Request& call) {
+[[gnu::noinline]] KprStatus check(const Request& call) {
     return firstFailure(notNull(call.src, call.dst), failIf(call.srcStep < 1 || call.dstStep < 1, kprStatusBadStep),
                         roiHolds(call.size), roiHolds(call.whole),
                         borderFits(call.size, call.whole, call.top, call.left));
@@ -138,14 +141,16 @@ Layout copyLayout(const Request& call) {
     return at;
 }
 
+// ---- the three kinds of copy, which the forms of all element types, steps and sizes share
+
 template <int pixelBytes>
-KprStatus copyConst(const Request& call, const void* value) {
+[[gnu::noinline]] KprStatus copyConst(const Request& call, const void* value) {
     if (const KprStatus failed = firstFailure(check(call), notNull(value))) return failed;
     return extend(copyLayout<pixelBytes>(call), Constant<pixelBytes>{repeatPixel<pixelBytes>(bytes(value))});
 }
 
 template <template <int> typename Rule, int pixelBytes>
-KprStatus extendInPlace(const Request& call) {
+[[gnu::noinline]] KprStatus extendInPlace(const Request& call) {
     if (const KprStatus failed = check(call)) return failed;
     return extend(inPlaceLayout(call), Rule<pixelBytes>{});
 }
@@ -153,7 +158,7 @@ KprStatus extendInPlace(const Request& call) {
 enum class Twin { None, InPlace };
 
 template <template <int> typename Rule, int pixelBytes, Twin twin>
-KprStatus copy(const Request& call) {
+[[gnu::noinline]] KprStatus copy(const Request& call) {
     if (twin == Twin::InPlace && call.src == call.dst) {
         Request inPlace = call;
         inPlace.srcStep = call.dstStep;

@@ -27,6 +27,28 @@ struct RowParts {
     [[nodiscard]] const RowPart<T>* end() const { return part + count; }
 };
 
+// Pixels `first` to `last - 1` of `count` rows as `axis` extends them, each into a row of `out`. What the pixels are does
+// not matter here, so that kernels of many types and lengths share this.
+template <int pixelBytes>
+[[gnu::noinline]] void extendRows(Rows<const Kpr8u> src, Kpr64s count, Axis axis, Kpr64s first, Kpr64s last,
+                                  const Kpr8u* value, Rows<Kpr8u> out) {
+    const auto make = [&](Kpr64s x) {
+        const Kpr64s from = axis(x);
+        for (Kpr64s i = 0; i < count; ++i) {
+            const Kpr8u* pixel = from == kConstant ? value : src[i] + from * pixelBytes;
+            __builtin_memcpy(out[i] + (x - first) * pixelBytes, pixel, pixelBytes);
+        }
+    };
+    const Kpr64s begin = axis.lowInMemory ? first : std::max<Kpr64s>(first, 0);
+    const Kpr64s end = axis.highInMemory ? last : std::min(last, axis.size);
+    for (Kpr64s x = first; x < begin; ++x) make(x);
+    walkStretches<kLanes<Kpr8u>, 1>((end - begin) * pixelBytes, [&]<int>(auto part, Kpr64s x) {
+        for (Kpr64s i = 0; i < count; ++i)
+            store(out[i] + (begin - first) * pixelBytes + x, load(src[i] + begin * pixelBytes + x, part), part);
+    });
+    for (Kpr64s x = end; x < last; ++x) make(x);
+}
+
 // Rows of an image that are filtered along, a result needing `before` pixels on its left and `after` on its right.
 //
 // Columns near a synthesised pixel are filtered from strips: copies of the row's ends with their border. The strips of
@@ -105,23 +127,9 @@ class EdgedRows {
 
     // Pixels `first` to `last - 1` of extended rows.
     void extend(Kpr64s y, Kpr64s count, Kpr64s first, Kpr64s last, T* out) const {
-        const auto make = [&](Kpr64s x) {
-            const Kpr64s from = axis_(x);
-            for (Kpr64s i = 0; i < count; ++i) {
-                const T* pixel = from == kConstant ? value_ : src_[y + i] + from * channels;
-                T* to = out + i * stride_ + (x - first) * channels;
-                for (int c = 0; c < channels; ++c) to[c] = pixel[c];
-            }
-        };
-        const Kpr64s begin = axis_.lowInMemory ? first : std::max<Kpr64s>(first, 0);
-        const Kpr64s end = axis_.highInMemory ? last : std::min(last, axis_.size);
-        for (Kpr64s x = first; x < begin; ++x) make(x);
-        walkStretches<kLanes<T>, 1>((end - begin) * channels, [&]<int>(auto part, Kpr64s x) {
-            for (Kpr64s i = 0; i < count; ++i)
-                store(out + i * stride_ + (begin - first) * channels + x,
-                      load(src_[y + i] + begin * channels + x, part), part);
-        });
-        for (Kpr64s x = end; x < last; ++x) make(x);
+        extendRows<sizeof(T) * channels>({reinterpret_cast<const Kpr8u*>(src_[y]), src_.step}, count, axis_, first,
+                                         last, reinterpret_cast<const Kpr8u*>(value_),
+                                         {reinterpret_cast<Kpr8u*>(out), stride_ * Kpr64s{sizeof(T)}});
     }
 
     Rows<const T> src_;

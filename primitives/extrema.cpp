@@ -55,158 +55,187 @@ KprStatus chooseEvery(const T* src1, const T* src2, T* dst, int len) {
 KprStatus lengthHolds(int len) { return failIf(len < 1, kprStatusBadSize); }
 
 }  // namespace
+
+template <typename T, int channels>
+KprStatus ExtremaOf<T, channels>::min(Rows<const T> src, KprSize roi, T* values) {
+    return findValues<Smallest, channels>(src, roi, values);
+}
+template <typename T, int channels>
+KprStatus ExtremaOf<T, channels>::max(Rows<const T> src, KprSize roi, T* values) {
+    return findValues<Largest, channels>(src, roi, values);
+}
+template <typename T, int channels>
+KprStatus ExtremaOf<T, channels>::minMax(Rows<const T> src, KprSize roi, T* smallest, T* largest) {
+    return findBothValues<channels>(src, roi, smallest, largest);
+}
+template <typename T, int channels>
+KprStatus ExtremaOf<T, channels>::minIndx(Rows<const T> src, KprSize roi, T* values, int* x, int* y) {
+    return findPositions<Smallest, channels>(src, roi, values, x, y);
+}
+template <typename T, int channels>
+KprStatus ExtremaOf<T, channels>::maxIndx(Rows<const T> src, KprSize roi, T* values, int* x, int* y) {
+    return findPositions<Largest, channels>(src, roi, values, x, y);
+}
+
+template struct ExtremaOf<Kpr8u, 1>;
+template struct ExtremaOf<Kpr8u, 3>;
+template struct ExtremaOf<Kpr16u, 1>;
+template struct ExtremaOf<Kpr16u, 3>;
+template struct ExtremaOf<Kpr32f, 1>;
+template struct ExtremaOf<Kpr32f, 3>;
+
 }  // namespace n0
 
 using namespace n0;
 
 KprStatus kpriMin_8u_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* min) {
     return firstFailure(notNull(src, min), roiHolds(roiSize))
-               ?: findValues<Smallest, 1>(Rows{src, srcStep}, roiSize, min);
+               ?: ExtremaOf<Kpr8u, 1>::min(Rows{src, srcStep}, roiSize, min);
 }
 
 KprStatus kpriMin_8u_C3R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* min) {
     return firstFailure(notNull(src, min), roiHolds(roiSize))
-               ?: findValues<Smallest, 3>(Rows{src, srcStep}, roiSize, min);
+               ?: ExtremaOf<Kpr8u, 3>::min(Rows{src, srcStep}, roiSize, min);
 }
 
 KprStatus kpriMin_16u_C1R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* min) {
     return firstFailure(notNull(src, min), roiHolds(roiSize))
-               ?: findValues<Smallest, 1>(Rows{src, srcStep}, roiSize, min);
+               ?: ExtremaOf<Kpr16u, 1>::min(Rows{src, srcStep}, roiSize, min);
 }
 
 KprStatus kpriMin_16u_C3R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* min) {
     return firstFailure(notNull(src, min), roiHolds(roiSize))
-               ?: findValues<Smallest, 3>(Rows{src, srcStep}, roiSize, min);
+               ?: ExtremaOf<Kpr16u, 3>::min(Rows{src, srcStep}, roiSize, min);
 }
 
 KprStatus kpriMin_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* min) {
     return firstFailure(notNull(src, min), roiHolds(roiSize))
-               ?: findValues<Smallest, 1>(Rows{src, srcStep}, roiSize, min);
+               ?: ExtremaOf<Kpr32f, 1>::min(Rows{src, srcStep}, roiSize, min);
 }
 
 KprStatus kpriMin_32f_C3R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* min) {
     return firstFailure(notNull(src, min), roiHolds(roiSize))
-               ?: findValues<Smallest, 3>(Rows{src, srcStep}, roiSize, min);
+               ?: ExtremaOf<Kpr32f, 3>::min(Rows{src, srcStep}, roiSize, min);
 }
 
 KprStatus kpriMax_8u_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* max) {
     return firstFailure(notNull(src, max), roiHolds(roiSize))
-               ?: findValues<Largest, 1>(Rows{src, srcStep}, roiSize, max);
+               ?: ExtremaOf<Kpr8u, 1>::max(Rows{src, srcStep}, roiSize, max);
 }
 
 KprStatus kpriMax_8u_C3R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* max) {
     return firstFailure(notNull(src, max), roiHolds(roiSize))
-               ?: findValues<Largest, 3>(Rows{src, srcStep}, roiSize, max);
+               ?: ExtremaOf<Kpr8u, 3>::max(Rows{src, srcStep}, roiSize, max);
 }
 
 KprStatus kpriMax_16u_C1R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* max) {
     return firstFailure(notNull(src, max), roiHolds(roiSize))
-               ?: findValues<Largest, 1>(Rows{src, srcStep}, roiSize, max);
+               ?: ExtremaOf<Kpr16u, 1>::max(Rows{src, srcStep}, roiSize, max);
 }
 
 KprStatus kpriMax_16u_C3R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* max) {
     return firstFailure(notNull(src, max), roiHolds(roiSize))
-               ?: findValues<Largest, 3>(Rows{src, srcStep}, roiSize, max);
+               ?: ExtremaOf<Kpr16u, 3>::max(Rows{src, srcStep}, roiSize, max);
 }
 
 KprStatus kpriMax_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* max) {
     return firstFailure(notNull(src, max), roiHolds(roiSize))
-               ?: findValues<Largest, 1>(Rows{src, srcStep}, roiSize, max);
+               ?: ExtremaOf<Kpr32f, 1>::max(Rows{src, srcStep}, roiSize, max);
 }
 
 KprStatus kpriMax_32f_C3R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* max) {
     return firstFailure(notNull(src, max), roiHolds(roiSize))
-               ?: findValues<Largest, 3>(Rows{src, srcStep}, roiSize, max);
+               ?: ExtremaOf<Kpr32f, 3>::max(Rows{src, srcStep}, roiSize, max);
 }
 
 KprStatus kpriMinMax_8u_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* min, Kpr8u* max) {
     return firstFailure(notNull(src, min, max), roiHolds(roiSize))
-               ?: findBothValues<1>(Rows{src, srcStep}, roiSize, min, max);
+               ?: ExtremaOf<Kpr8u, 1>::minMax(Rows{src, srcStep}, roiSize, min, max);
 }
 
 KprStatus kpriMinMax_8u_C3R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* min, Kpr8u* max) {
     return firstFailure(notNull(src, min, max), roiHolds(roiSize))
-               ?: findBothValues<3>(Rows{src, srcStep}, roiSize, min, max);
+               ?: ExtremaOf<Kpr8u, 3>::minMax(Rows{src, srcStep}, roiSize, min, max);
 }
 
 KprStatus kpriMinMax_16u_C1R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* min, Kpr16u* max) {
     return firstFailure(notNull(src, min, max), roiHolds(roiSize))
-               ?: findBothValues<1>(Rows{src, srcStep}, roiSize, min, max);
+               ?: ExtremaOf<Kpr16u, 1>::minMax(Rows{src, srcStep}, roiSize, min, max);
 }
 
 KprStatus kpriMinMax_16u_C3R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* min, Kpr16u* max) {
     return firstFailure(notNull(src, min, max), roiHolds(roiSize))
-               ?: findBothValues<3>(Rows{src, srcStep}, roiSize, min, max);
+               ?: ExtremaOf<Kpr16u, 3>::minMax(Rows{src, srcStep}, roiSize, min, max);
 }
 
 KprStatus kpriMinMax_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* min, Kpr32f* max) {
     return firstFailure(notNull(src, min, max), roiHolds(roiSize))
-               ?: findBothValues<1>(Rows{src, srcStep}, roiSize, min, max);
+               ?: ExtremaOf<Kpr32f, 1>::minMax(Rows{src, srcStep}, roiSize, min, max);
 }
 
 KprStatus kpriMinMax_32f_C3R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* min, Kpr32f* max) {
     return firstFailure(notNull(src, min, max), roiHolds(roiSize))
-               ?: findBothValues<3>(Rows{src, srcStep}, roiSize, min, max);
+               ?: ExtremaOf<Kpr32f, 3>::minMax(Rows{src, srcStep}, roiSize, min, max);
 }
 
 KprStatus kpriMinIndx_8u_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* min, int* x, int* y) {
     return firstFailure(notNull(src, min, x, y), roiHolds(roiSize))
-               ?: findPositions<Smallest, 1>(Rows{src, srcStep}, roiSize, min, x, y);
+               ?: ExtremaOf<Kpr8u, 1>::minIndx(Rows{src, srcStep}, roiSize, min, x, y);
 }
 
 KprStatus kpriMinIndx_8u_C3R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* min, int* x, int* y) {
     return firstFailure(notNull(src, min, x, y), roiHolds(roiSize))
-               ?: findPositions<Smallest, 3>(Rows{src, srcStep}, roiSize, min, x, y);
+               ?: ExtremaOf<Kpr8u, 3>::minIndx(Rows{src, srcStep}, roiSize, min, x, y);
 }
 
 KprStatus kpriMinIndx_16u_C1R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* min, int* x, int* y) {
     return firstFailure(notNull(src, min, x, y), roiHolds(roiSize))
-               ?: findPositions<Smallest, 1>(Rows{src, srcStep}, roiSize, min, x, y);
+               ?: ExtremaOf<Kpr16u, 1>::minIndx(Rows{src, srcStep}, roiSize, min, x, y);
 }
 
 KprStatus kpriMinIndx_16u_C3R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* min, int* x, int* y) {
     return firstFailure(notNull(src, min, x, y), roiHolds(roiSize))
-               ?: findPositions<Smallest, 3>(Rows{src, srcStep}, roiSize, min, x, y);
+               ?: ExtremaOf<Kpr16u, 3>::minIndx(Rows{src, srcStep}, roiSize, min, x, y);
 }
 
 KprStatus kpriMinIndx_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* min, int* x, int* y) {
     return firstFailure(notNull(src, min, x, y), roiHolds(roiSize))
-               ?: findPositions<Smallest, 1>(Rows{src, srcStep}, roiSize, min, x, y);
+               ?: ExtremaOf<Kpr32f, 1>::minIndx(Rows{src, srcStep}, roiSize, min, x, y);
 }
 
 KprStatus kpriMinIndx_32f_C3R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* min, int* x, int* y) {
     return firstFailure(notNull(src, min, x, y), roiHolds(roiSize))
-               ?: findPositions<Smallest, 3>(Rows{src, srcStep}, roiSize, min, x, y);
+               ?: ExtremaOf<Kpr32f, 3>::minIndx(Rows{src, srcStep}, roiSize, min, x, y);
 }
 
 KprStatus kpriMaxIndx_8u_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* max, int* x, int* y) {
     return firstFailure(notNull(src, max, x, y), roiHolds(roiSize))
-               ?: findPositions<Largest, 1>(Rows{src, srcStep}, roiSize, max, x, y);
+               ?: ExtremaOf<Kpr8u, 1>::maxIndx(Rows{src, srcStep}, roiSize, max, x, y);
 }
 
 KprStatus kpriMaxIndx_8u_C3R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr8u* max, int* x, int* y) {
     return firstFailure(notNull(src, max, x, y), roiHolds(roiSize))
-               ?: findPositions<Largest, 3>(Rows{src, srcStep}, roiSize, max, x, y);
+               ?: ExtremaOf<Kpr8u, 3>::maxIndx(Rows{src, srcStep}, roiSize, max, x, y);
 }
 
 KprStatus kpriMaxIndx_16u_C1R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* max, int* x, int* y) {
     return firstFailure(notNull(src, max, x, y), roiHolds(roiSize))
-               ?: findPositions<Largest, 1>(Rows{src, srcStep}, roiSize, max, x, y);
+               ?: ExtremaOf<Kpr16u, 1>::maxIndx(Rows{src, srcStep}, roiSize, max, x, y);
 }
 
 KprStatus kpriMaxIndx_16u_C3R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr16u* max, int* x, int* y) {
     return firstFailure(notNull(src, max, x, y), roiHolds(roiSize))
-               ?: findPositions<Largest, 3>(Rows{src, srcStep}, roiSize, max, x, y);
+               ?: ExtremaOf<Kpr16u, 3>::maxIndx(Rows{src, srcStep}, roiSize, max, x, y);
 }
 
 KprStatus kpriMaxIndx_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* max, int* x, int* y) {
     return firstFailure(notNull(src, max, x, y), roiHolds(roiSize))
-               ?: findPositions<Largest, 1>(Rows{src, srcStep}, roiSize, max, x, y);
+               ?: ExtremaOf<Kpr32f, 1>::maxIndx(Rows{src, srcStep}, roiSize, max, x, y);
 }
 
 KprStatus kpriMaxIndx_32f_C3R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* max, int* x, int* y) {
     return firstFailure(notNull(src, max, x, y), roiHolds(roiSize))
-               ?: findPositions<Largest, 3>(Rows{src, srcStep}, roiSize, max, x, y);
+               ?: ExtremaOf<Kpr32f, 3>::maxIndx(Rows{src, srcStep}, roiSize, max, x, y);
 }
 
 // An array is a row, whose step takes no part.

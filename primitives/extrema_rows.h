@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "primitives/channels.h"
 #include "primitives/rows.h"
 
 namespace n0 {
@@ -52,16 +53,6 @@ struct Largest {
         return less(old, v);
     }
 };
-
-// Lanes in which the elements of one channel lie. Vectors that follow one another hold three channels in rotation: with
-// 64, 32 or 16 lanes the pattern comes back after three of them.
-template <typename T, int channels>
-constexpr Mask<T> channelLanes(int channel, int turn) {
-    constexpr Bits64 everyThird[] = {0x9249249249249249, 0x2492492492492492, 0x4924924924924924};
-    if (channels == 1) return static_cast<Mask<T>>(~Bits64{0});
-    const int first = (channel + 2 * turn * kLanes<T>) % 3;  // 2 is -1
-    return static_cast<Mask<T>>(everyThird[first]);
-}
 
 template <typename T, int channels, typename Rule>
 class Running {
@@ -165,5 +156,15 @@ KPR_INLINE void scanRows(Rows<const T> src, KprSize roi, Running<T, channels, Ru
         if ((int{running.endRow(y)} & ...) != 0) return;
     }
 }
+
+// What extrema.cpp has compiled: of an image that has been checked, each channel's extrema.
+template <typename T, int channels>
+struct ExtremaOf {
+    static KprStatus min(Rows<const T> src, KprSize roi, T* values);
+    static KprStatus max(Rows<const T> src, KprSize roi, T* values);
+    static KprStatus minMax(Rows<const T> src, KprSize roi, T* smallest, T* largest);
+    static KprStatus minIndx(Rows<const T> src, KprSize roi, T* values, int* x, int* y);
+    static KprStatus maxIndx(Rows<const T> src, KprSize roi, T* values, int* x, int* y);
+};
 
 }  // namespace n0

@@ -28,8 +28,9 @@ KprStatus setImage(T value, T* dst, int dstStep, KprSize roi) {
                ?: setRows(value, Rows{dst, dstStep}, {roi.width, roi.height}, kLargeImage * Kpr64s{sizeof(T)});
 }
 
+// Not inlined: filling and clearing share it, and elements of one size.
 template <typename T>
-KprStatus setArray(T value, T* dst, int len) {
+[[gnu::noinline]] KprStatus setArray(T value, T* dst, int len) {
     const KprSizeL roi = {len, 1};
     return firstFailure(notNull(dst), roiHolds(roi)) ?: setRows(value, Rows{dst, 0}, roi, kLongArray);
 }
@@ -95,9 +96,11 @@ KprStatus kpriSet_32s_C3R(const Kpr32s* value, Kpr32s* dst, int dstStep, KprSize
 KprStatus kprsSet_8u(Kpr8u value, Kpr8u* dst, int len) { return setArray(value, dst, len); }
 KprStatus kprsSet_16s(Kpr16s value, Kpr16s* dst, int len) { return setArray(value, dst, len); }
 KprStatus kprsSet_32s(Kpr32s value, Kpr32s* dst, int len) { return setArray(value, dst, len); }
-KprStatus kprsSet_32f(Kpr32f value, Kpr32f* dst, int len) { return setArray(value, dst, len); }
+KprStatus kprsSet_32f(Kpr32f value, Kpr32f* dst, int len) {
+    return setArray(std::bit_cast<Kpr32s>(value), reinterpret_cast<Kpr32s*>(dst), len);
+}
 
 KprStatus kprsZero_8u(Kpr8u* dst, int len) { return setArray<Kpr8u>(0, dst, len); }
 KprStatus kprsZero_16s(Kpr16s* dst, int len) { return setArray<Kpr16s>(0, dst, len); }
 KprStatus kprsZero_32s(Kpr32s* dst, int len) { return setArray<Kpr32s>(0, dst, len); }
-KprStatus kprsZero_32f(Kpr32f* dst, int len) { return setArray<Kpr32f>(0, dst, len); }
+KprStatus kprsZero_32f(Kpr32f* dst, int len) { return setArray<Kpr32s>(0, reinterpret_cast<Kpr32s*>(dst), len); }

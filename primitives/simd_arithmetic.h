@@ -133,8 +133,8 @@ KPR_INLINE Vec<Kpr32f> fma(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
 
 // ---- products of 16-bit lanes and their sums in 32 bits
 
-// Lane i is a[2i] * b[2i] + a[2i+1] * b[2i+1]; the one sum that exceeds a signed lane, of four -32768, wraps to an
-// unsigned 2^31.
+// Lane i is a[2i] * b[2i] + a[2i+1] * b[2i+1]. Only where all four are -32768 does the sum exceed a signed lane: it is
+// 2^31 then, which the lane holds if it is read as unsigned.
 KPR_INLINE Vec<Kpr32s> sumPairs(Vec<Kpr16s> a, Vec<Kpr16s> b) {
     return vec<Kpr32s>(_mm512_madd_epi16(bits(a), bits(b)));
 }
@@ -194,7 +194,8 @@ KPR_INLINE Vec<Kpr32s> rotateBits(Vec<Kpr32s> v, Vec<Kpr32s> counts) {
     return vec<Kpr32s>(_mm512_rolv_epi32(bits(v), bits(counts)));
 }
 
-// Any function of three bits, bit by bit: `table` is what it makes of the columns 0xf0, 0xcc and 0xaa.
+// Any function of three bits, bit by bit. `table` is the function's value for a = 0xf0, b = 0xcc, c = 0xaa: its truth
+// table, eight bits at once.
 template <int table, typename T>
 KPR_INLINE Vec<T> combine(Vec<T> a, Vec<T> b, Vec<T> c) {
     return vec<T>(_mm512_ternarylogic_epi32(bits(a), bits(b), bits(c), table));

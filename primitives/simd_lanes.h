@@ -47,8 +47,8 @@ KPR_INLINE Vec<T> interleaveUpper(Vec<T> a, Vec<T> b) {
     if constexpr (sizeof(T) == 2) return vec<T>(_mm512_unpackhi_epi16(bits(a), bits(b)));
 }
 
-// Block of 16 bytes by block, the lanes of `lower` and then those of `upper`, each the nearest value of To's range: the
-// order that the interleaving took apart.
+// In each block of 16 bytes the lanes of `lower` and then those of `upper`, each the nearest value of To's range. What
+// was made of interleaveLower and of interleaveUpper comes back into the order of the row.
 template <typename To>
 KPR_INLINE Vec<To> join(Vec<Kpr32s> lower, Vec<Kpr32s> upper) {
     if constexpr (std::is_same_v<To, Kpr16s>) return vec<To>(_mm512_packs_epi32(bits(lower), bits(upper)));

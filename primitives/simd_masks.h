@@ -39,10 +39,10 @@ KPR_INLINE Mask<T> noneOf(Mask<T> lanes, Vec<T> v, Vec<T> which) {
 // Where the sign bit is set: that of a zero or a NaN too.
 KPR_INLINE Mask<Kpr32f> signs(Vec<Kpr32f> v) { return _mm512_movepi32_mask(bits(v)); }
 
-// As many of the set bits of `where`, from the lowest on, as `bits` says one by one.
+// Bit i of `bits` goes to the place of the i-th set bit of `where`, counted from the lowest; all other bits are 0.
 KPR_INLINE Bits64 scatterBits(Bits64 bits, Bits64 where) { return _pdep_u64(bits, where); }
 
-// The bits of v at the places of `where`, from the lowest on.
+// The way back: bit i is that of v at the place of the i-th set bit of `where`.
 KPR_INLINE Bits64 gatherBits(Bits64 v, Bits64 where) { return _pext_u64(v, where); }
 
 // A lane of T for each byte of `src`, set where the byte is not zero.

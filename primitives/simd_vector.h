@@ -43,10 +43,11 @@ struct Lanes {
     Bits64 bits;
 };
 
-// So many of the lowest, 0 to 255: all of them where a vector has fewer.
+// The first `lanes` lanes: all of them from a vector's number on. A row may have more pixels left than the number can
+// say, which is 255 at most; callers take the lesser of what is left and of their step.
 struct First : Lanes {
     KPR_INLINE explicit First(Kpr64s lanes) {
-        mustHold(lanes >= 0 && lanes <= 255);  // the instruction looks at eight bits
+        mustHold(lanes >= 0 && lanes <= 255);  // the instruction looks at eight bits of it
         bits = _bzhi_u64(~Bits64{0}, static_cast<unsigned>(lanes));
     }
 };

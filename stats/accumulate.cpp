@@ -18,13 +18,29 @@ namespace {
 using Floats = Vec<Kpr32f>;
 inline constexpr int kStep = kLanes<Kpr32f>;
 
+// The checks of every member; the type of the sources decides their order. Those of a mask are made by who has one.
+template <typename Src, typename... Same>
+KprStatus callHolds(KprSize roi, KprStatus maskIsThere, KprStatus maskFits, Rows<Kpr32f> srcDst, Rows<const Src> src,
+                    Rows<const Same>... second) {
+    const KprStatus given = firstFailure(notNull(src.first, second.first..., srcDst.first), maskIsThere, roiHolds(roi));
+    const KprStatus sourcesFit = rowsFit<Src>(roi.width, src.step, second.step...);
+    const KprStatus sourcesAlign = stepsAlign<Src>(src.step, second.step...);
+    const KprStatus othersFit = firstFailure(maskFits, rowsFit<Kpr32f>(roi.width, srcDst.step));
+    const KprStatus sumAligns = stepsAlign<Kpr32f>(srcDst.step);
+    if constexpr (sizeof(Src) == 2) return firstFailure(given, sourcesFit, sourcesAlign, othersFit, sumAligns);
+    return firstFailure(given, sourcesFit, othersFit, sourcesAlign, sumAligns);
+}
+
 // srcDst = rule(sources..., srcDst) for every pixel.
 template <typename Rule, typename... Src>
 KprStatus accumulate(Rule rule, KprSize roi, Rows<Kpr32f> srcDst, Rows<const Src>... src) {
-    return walkRoi<kStep>(
-        roi,
-        [=](auto part, Kpr32f* d, const Src*... s) { store(d, rule(loadAs<Kpr32f>(s, part)..., load(d, part)), part); },
-        srcDst, src...);
+    return callHolds(roi, kprStatusOk, kprStatusOk, srcDst, src...)
+               ?: walkRoi<kStep>(
+                      roi,
+                      [=](auto part, Kpr32f* d, const Src*... s) {
+                          store(d, rule(loadAs<Kpr32f>(s, part)..., load(d, part)), part);
+                      },
+                      srcDst, src...);
 }
 
 // srcDst = fma(factor or 0 by the mask, rule(sources..., srcDst), srcDst) for every pixel.
@@ -32,14 +48,15 @@ template <typename Rule, typename... Src>
 KprStatus accumulateMasked(Rule term, Kpr32f factor, Rows<const Kpr8u> mask, KprSize roi, Rows<Kpr32f> srcDst,
                            Rows<const Src>... src) {
     const Floats weight = broadcast(factor);
-    return walkRoi<kStep>(
-        roi,
-        [=](auto part, Kpr32f* d, const Kpr8u* m, const Src*... s) {
-            const Floats old = load(d, part);
-            const Floats selected = keep(loadMask<Kpr32f>(m, part), weight);
-            store(d, fma(selected, term(loadAs<Kpr32f>(s, part)..., old), old), part);
-        },
-        srcDst, mask, src...);
+    return callHolds(roi, notNull(mask.first), rowsFit<Kpr8u>(roi.width, mask.step), srcDst, src...)
+               ?: walkRoi<kStep>(
+                      roi,
+                      [=](auto part, Kpr32f* d, const Kpr8u* m, const Src*... s) {
+                          const Floats old = load(d, part);
+                          const Floats selected = keep(loadMask<Kpr32f>(m, part), weight);
+                          store(d, fma(selected, term(loadAs<Kpr32f>(s, part)..., old), old), part);
+                      },
+                      srcDst, mask, src...);
 }
 
 // The terms that the masked forms weigh.
@@ -56,20 +73,6 @@ auto addWeighted(Kpr32f alpha) {
     return [weight = broadcast(alpha)](Floats a, Floats d) { return fma(weight, a - d, d); };
 }
 
-// The step checks of every member; the type of the sources decides their order.
-template <typename Src, typename... Step>
-KprStatus stepsHold(KprSize roi, int maskStep, int srcDstStep, Step... srcSteps) {
-    const KprStatus sourcesFit = rowsFit<Src>(roi.width, srcSteps...);
-    const KprStatus othersFit =
-        firstFailure(rowsFit<Kpr8u>(roi.width, maskStep), rowsFit<Kpr32f>(roi.width, srcDstStep));
-    if constexpr (sizeof(Src) == 1) return firstFailure(sourcesFit, othersFit, stepsAlign<Kpr32f>(srcDstStep));
-    if constexpr (sizeof(Src) == 2) {
-        return firstFailure(sourcesFit, stepsAlign<Src>(srcSteps...), othersFit, stepsAlign<Kpr32f>(srcDstStep));
-    }
-    if constexpr (sizeof(Src) == 4)
-        return firstFailure(sourcesFit, othersFit, stepsAlign<Src>(srcSteps..., srcDstStep));
-}
-
 }  // namespace
 }  // namespace n0::stats
 
@@ -77,172 +80,117 @@ using namespace n0;
 using namespace n0::stats;
 
 KprStatus kpriAdd_8u32f_C1IR(const Kpr8u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, kAnyStep, srcDstStep, srcStep))
-               ?: accumulate(addSource, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
+    return accumulate(addSource, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAdd_16u32f_C1IR(const Kpr16u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, kAnyStep, srcDstStep, srcStep))
-               ?: accumulate(addSource, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
+    return accumulate(addSource, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAdd_8u32f_C1IMR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, Kpr32f* srcDst,
                               int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, maskStep, srcDstStep, srcStep))
-               ?: accumulateMasked(source, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src, srcStep});
+    return accumulateMasked(source, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAdd_16u32f_C1IMR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, Kpr32f* srcDst,
                                int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, maskStep, srcDstStep, srcStep))
-               ?: accumulateMasked(source, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src, srcStep});
+    return accumulateMasked(source, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAdd_32f_C1IMR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, Kpr32f* srcDst,
                             int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, maskStep, srcDstStep, srcStep))
-               ?: accumulateMasked(source, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src, srcStep});
+    return accumulateMasked(source, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddSquare_8u32f_C1IR(const Kpr8u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, kAnyStep, srcDstStep, srcStep))
-               ?: accumulate(addSquare, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
+    return accumulate(addSquare, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddSquare_16u32f_C1IR(const Kpr16u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, kAnyStep, srcDstStep, srcStep))
-               ?: accumulate(addSquare, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
+    return accumulate(addSquare, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddSquare_32f_C1IR(const Kpr32f* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, kAnyStep, srcDstStep, srcStep))
-               ?: accumulate(addSquare, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
+    return accumulate(addSquare, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddSquare_8u32f_C1IMR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, Kpr32f* srcDst,
                                     int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, maskStep, srcDstStep, srcStep))
-               ?: accumulateMasked(square, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src, srcStep});
+    return accumulateMasked(square, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddSquare_16u32f_C1IMR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, Kpr32f* srcDst,
                                      int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, maskStep, srcDstStep, srcStep))
-               ?: accumulateMasked(square, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src, srcStep});
+    return accumulateMasked(square, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddSquare_32f_C1IMR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, Kpr32f* srcDst,
                                   int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, maskStep, srcDstStep, srcStep))
-               ?: accumulateMasked(square, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src, srcStep});
+    return accumulateMasked(square, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddProduct_8u32f_C1IR(const Kpr8u* src1, int src1Step, const Kpr8u* src2, int src2Step, Kpr32f* srcDst,
                                     int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src1, src2, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, kAnyStep, srcDstStep, src1Step, src2Step))
-               ?: accumulate(addProduct, roiSize, Rows{srcDst, srcDstStep}, Rows{src1, src1Step}, Rows{src2, src2Step});
+    return accumulate(addProduct, roiSize, Rows{srcDst, srcDstStep}, Rows{src1, src1Step}, Rows{src2, src2Step});
 }
 
 KprStatus kpriAddProduct_16u32f_C1IR(const Kpr16u* src1, int src1Step, const Kpr16u* src2, int src2Step, Kpr32f* srcDst,
                                      int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src1, src2, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, kAnyStep, srcDstStep, src1Step, src2Step))
-               ?: accumulate(addProduct, roiSize, Rows{srcDst, srcDstStep}, Rows{src1, src1Step}, Rows{src2, src2Step});
+    return accumulate(addProduct, roiSize, Rows{srcDst, srcDstStep}, Rows{src1, src1Step}, Rows{src2, src2Step});
 }
 
 KprStatus kpriAddProduct_32f_C1IR(const Kpr32f* src1, int src1Step, const Kpr32f* src2, int src2Step, Kpr32f* srcDst,
                                   int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src1, src2, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, kAnyStep, srcDstStep, src1Step, src2Step))
-               ?: accumulate(addProduct, roiSize, Rows{srcDst, srcDstStep}, Rows{src1, src1Step}, Rows{src2, src2Step});
+    return accumulate(addProduct, roiSize, Rows{srcDst, srcDstStep}, Rows{src1, src1Step}, Rows{src2, src2Step});
 }
 
 KprStatus kpriAddProduct_8u32f_C1IMR(const Kpr8u* src1, int src1Step, const Kpr8u* src2, int src2Step,
                                      const Kpr8u* mask, int maskStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src1, src2, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, maskStep, srcDstStep, src1Step, src2Step))
-               ?: accumulateMasked(product, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src1, src1Step}, Rows{src2, src2Step});
+    return accumulateMasked(product, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
+                            Rows{src1, src1Step}, Rows{src2, src2Step});
 }
 
 KprStatus kpriAddProduct_16u32f_C1IMR(const Kpr16u* src1, int src1Step, const Kpr16u* src2, int src2Step,
                                       const Kpr8u* mask, int maskStep, Kpr32f* srcDst, int srcDstStep,
                                       KprSize roiSize) {
-    return firstFailure(notNull(src1, src2, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, maskStep, srcDstStep, src1Step, src2Step))
-               ?: accumulateMasked(product, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src1, src1Step}, Rows{src2, src2Step});
+    return accumulateMasked(product, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
+                            Rows{src1, src1Step}, Rows{src2, src2Step});
 }
 
 KprStatus kpriAddProduct_32f_C1IMR(const Kpr32f* src1, int src1Step, const Kpr32f* src2, int src2Step,
                                    const Kpr8u* mask, int maskStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize) {
-    return firstFailure(notNull(src1, src2, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, maskStep, srcDstStep, src1Step, src2Step))
-               ?: accumulateMasked(product, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src1, src1Step}, Rows{src2, src2Step});
+    return accumulateMasked(product, 1.0F, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
+                            Rows{src1, src1Step}, Rows{src2, src2Step});
 }
 
 KprStatus kpriAddWeighted_8u32f_C1IR(const Kpr8u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize,
                                      Kpr32f alpha) {
-    return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, kAnyStep, srcDstStep, srcStep))
-               ?: accumulate(addWeighted(alpha), roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
+    return accumulate(addWeighted(alpha), roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddWeighted_16u32f_C1IR(const Kpr16u* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize,
                                       Kpr32f alpha) {
-    return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, kAnyStep, srcDstStep, srcStep))
-               ?: accumulate(addWeighted(alpha), roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
+    return accumulate(addWeighted(alpha), roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddWeighted_32f_C1IR(const Kpr32f* src, int srcStep, Kpr32f* srcDst, int srcDstStep, KprSize roiSize,
                                    Kpr32f alpha) {
-    return firstFailure(notNull(src, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, kAnyStep, srcDstStep, srcStep))
-               ?: accumulate(addWeighted(alpha), roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
+    return accumulate(addWeighted(alpha), roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddWeighted_8u32f_C1IMR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, Kpr32f* srcDst,
                                       int srcDstStep, KprSize roiSize, Kpr32f alpha) {
-    return firstFailure(notNull(src, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr8u>(roiSize, maskStep, srcDstStep, srcStep))
-               ?: accumulateMasked(change, alpha, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src, srcStep});
+    return accumulateMasked(change, alpha, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddWeighted_16u32f_C1IMR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, Kpr32f* srcDst,
                                        int srcDstStep, KprSize roiSize, Kpr32f alpha) {
-    return firstFailure(notNull(src, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr16u>(roiSize, maskStep, srcDstStep, srcStep))
-               ?: accumulateMasked(change, alpha, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src, srcStep});
+    return accumulateMasked(change, alpha, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddWeighted_32f_C1IMR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, Kpr32f* srcDst,
                                     int srcDstStep, KprSize roiSize, Kpr32f alpha) {
-    return firstFailure(notNull(src, mask, srcDst), roiHolds(roiSize),
-                        stepsHold<Kpr32f>(roiSize, maskStep, srcDstStep, srcStep))
-               ?: accumulateMasked(change, alpha, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep},
-                                   Rows{src, srcStep});
+    return accumulateMasked(change, alpha, Rows{mask, maskStep}, roiSize, Rows{srcDst, srcDstStep}, Rows{src, srcStep});
 }
 
 KprStatus kpriAddWeighted_32f_C1R(const Kpr32f* src1, int src1Step, const Kpr32f* src2, int src2Step, Kpr32f* dst,

@@ -47,25 +47,32 @@ struct Sum<Kpr16u> {
     KPR_INLINE Kpr64f value() const { return static_cast<Kpr64f>(total()); }
 };
 
+// Sixteen of the lanes in which floats are added: along a row in single precision, from row to row in double.
+struct FloatLanes {
+    Vec<Kpr32f> row = zero<Kpr32f>();
+    Vec<Kpr64f> total[2] = {zero<Kpr64f>(), zero<Kpr64f>()};  // the lower and the upper lanes
+
+    KPR_INLINE void add(Vec<Kpr32f> v) { row = row + v; }
+    KPR_INLINE void widen() {
+        total[0] = total[0] + half<0>(row);
+        total[1] = total[1] + half<1>(row);
+        row = zero<Kpr32f>();
+    }
+    KPR_INLINE Kpr64f value() const { return sumOfLanes(total[0]) + sumOfLanes(total[1]); }
+};
+
 template <>
 struct Sum<Kpr32f> {
-    Vec<Kpr32f> row[2] = {zero<Kpr32f>(), zero<Kpr32f>()};
-    Vec<Kpr64f> total[2][2] = {};  // of each, the lower and the upper lanes
+    FloatLanes lanes[2];
 
     KPR_INLINE void add(const Step<Kpr32f>& step) {
-        row[0] = row[0] + step.v[0];
-        row[1] = row[1] + step.v[1];
+        for (int i = 0; i < 2; ++i) lanes[i].add(step.v[i]);
     }
     KPR_INLINE void widen() {
-        for (int i = 0; i < 2; ++i) {
-            total[i][0] = total[i][0] + half<0>(row[i]);
-            total[i][1] = total[i][1] + half<1>(row[i]);
-            row[i] = zero<Kpr32f>();
-        }
+        for (auto& sixteen : lanes) sixteen.widen();
     }
     KPR_INLINE Kpr64f value() const {
-        return ((sumOfLanes(total[0][0]) + sumOfLanes(total[0][1])) + sumOfLanes(total[1][0])) +
-               sumOfLanes(total[1][1]);
+        return (lanes[0].value() + sumOfLanes(lanes[1].total[0])) + sumOfLanes(lanes[1].total[1]);
     }
 };
 

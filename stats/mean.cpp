@@ -15,6 +15,7 @@ namespace {
 KPR_INLINE Kpr64s countOf(All, int step) { return step; }
 KPR_INLINE Kpr64s countOf(Lanes selected, int) { return std::popcount(selected.bits); }
 
+// What Mean adds up, and Mean_StdDev of integers.
 template <typename T>
 struct MeanSums {
     static constexpr int kBatch = 120;
@@ -38,6 +39,24 @@ struct MeanSums {
         sum.widen();
         steps = 0;
     }
+    KPR_INLINE Kpr64f mean() {
+        endBatch();
+        return count == 0 ? 0.0 : sum.value() / static_cast<Kpr64f>(count);
+    }
+};
+
+// What Mean_StdDev of floats adds up where the mean alone is wanted.
+struct PairSums {
+    FloatLanes sum;
+    Kpr64s count = 0;
+
+    template <typename Selected>
+    KPR_INLINE void take(Selected selected, const Step<Kpr32f>& step) {
+        count += countOf(selected, kStep<Kpr32f>);
+        sum.add(step.v[0] + step.v[1]);
+    }
+    KPR_INLINE void widen() { sum.widen(); }
+    KPR_INLINE Kpr64f mean() const { return count == 0 ? 0.0 : sum.value() / static_cast<Kpr64f>(count); }
 };
 
 // The sums of both moments.
@@ -66,15 +85,19 @@ struct Moments<Kpr16u> : Squares<Kpr16u> {
 
 template <>
 struct Moments<Kpr32f> {
-    Sum<Kpr32f> both;  // lanes 0 to 15 have the sum of the pixels, the others that of their squares
+    FloatLanes sum, squares;
 
     KPR_INLINE void add(const Step<Kpr32f>& step) {
         const auto [a, b] = step.v;
-        both.add({{a + b, fma(a, a, b * b)}});
+        sum.add(a + b);
+        squares.add(fma(a, a, b * b));
     }
-    KPR_INLINE void widen() { both.widen(); }
-    KPR_INLINE Kpr64f sumValue() const { return sumOfLanes(both.total[0][0]) + sumOfLanes(both.total[0][1]); }
-    KPR_INLINE Kpr64f squaresValue() const { return sumOfLanes(both.total[1][0]) + sumOfLanes(both.total[1][1]); }
+    KPR_INLINE void widen() {
+        sum.widen();
+        squares.widen();
+    }
+    KPR_INLINE Kpr64f sumValue() const { return sum.value(); }
+    KPR_INLINE Kpr64f squaresValue() const { return squares.value(); }
 };
 
 template <typename T>
@@ -90,25 +113,41 @@ struct MomentSums {
     KPR_INLINE void widen() { moments.widen(); }
 };
 
-template <typename Plane>
-KprStatus meanOf(const Plane& plane, Masked mask, KprSize roi, Kpr64f* mean) {
-    MeanSums<typename Plane::Element> sums;
-    visitRoi(roi, mask, sums, plane);
-    sums.endBatch();
-    *mean = sums.count == 0 ? 0.0 : sums.sum.value() / static_cast<Kpr64f>(sums.count);
+// Not inlined: of integers both families share it.
+template <typename Sums, typename Selection, typename Source>
+[[gnu::noinline]] KprStatus average(KprSize roi, Selection selection, Source source, Kpr64f* mean) {
+    Sums sums;
+    visitRoi(roi, selection, sums, source.plane());
+    *mean = sums.mean();
     return kprStatusOk;
 }
 
-template <typename Plane, typename Selection>
-KprStatus meanAndDeviationOf(const Plane& plane, Selection selection, KprSize roi, Kpr64f* mean, Kpr64f* stdDev) {
-    MomentSums<typename Plane::Element> sums;
-    visitRoi(roi, selection, sums, plane);
+template <typename Selection, typename Source>
+KprStatus moments(KprSize roi, Selection selection, Source source, Kpr64f* mean, Kpr64f* stdDev) {
+    MomentSums<typename Source::Element> sums;
+    visitRoi(roi, selection, sums, source.plane());
     const auto count = static_cast<Kpr64f>(sums.count);
-    const Kpr64f average = sums.count == 0 ? 0.0 : sums.moments.sumValue() / count;
-    const Kpr64f square = sums.count == 0 ? 0.0 : sums.moments.squaresValue() / count;
-    if (mean != nullptr) *mean = average;
-    if (stdDev != nullptr) *stdDev = kprsSqrtOne(kprsFabsOne(fma(-average, average, square)));
+    const Kpr64f ofPixels = sums.count == 0 ? 0.0 : sums.moments.sumValue() / count;
+    const Kpr64f ofSquares = sums.count == 0 ? 0.0 : sums.moments.squaresValue() / count;
+    if (mean != nullptr) *mean = ofPixels;
+    *stdDev = kprsSqrtOne(kprsFabsOne(fma(-ofPixels, ofPixels, ofSquares)));
     return kprStatusOk;
+}
+
+template <typename Source>
+KprStatus meanOf(KprSize roi, Masked mask, Kpr64f* mean, Source source) {
+    return callHolds(roi, mask, notNull(mean), source)
+               ?: average<MeanSums<typename Source::Element>>(roi, mask, source, mean);
+}
+
+// Squares take as long again as the mean: they are formed only where the deviation is wanted.
+template <typename Selection, typename Source>
+KprStatus meanAndDeviationOf(KprSize roi, Selection selection, Kpr64f* mean, Kpr64f* stdDev, Source source) {
+    using T = typename Source::Element;
+    using MeanAlone = std::conditional_t<std::is_floating_point_v<T>, PairSums, MeanSums<T>>;
+    if (const KprStatus failure = callHolds(roi, selection, kprStatusOk, source)) return failure;
+    if (stdDev != nullptr) return moments(roi, selection, source, mean, stdDev);
+    return mean == nullptr ? KprStatus{kprStatusOk} : average<MeanAlone>(roi, selection, source, mean);
 }
 
 }  // namespace
@@ -119,116 +158,87 @@ using namespace n0::stats;
 
 KprStatus kpriMean_8u_C1MR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                            Kpr64f* mean) {
-    return firstFailure(notNull(src, mask, mean), roiHolds(roiSize), stepsHold<Kpr8u, 1>(roiSize, maskStep, srcStep))
-               ?: meanOf(Plane<Kpr8u>{{src, srcStep}}, Masked{{mask, maskStep}}, roiSize, mean);
+    return meanOf(roiSize, Masked{{mask, maskStep}}, mean, Single{src, srcStep});
 }
 
 KprStatus kpriMean_16u_C1MR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                             Kpr64f* mean) {
-    return firstFailure(notNull(src, mask, mean), roiHolds(roiSize), stepsHold<Kpr16u, 1>(roiSize, maskStep, srcStep))
-               ?: meanOf(Plane<Kpr16u>{{src, srcStep}}, Masked{{mask, maskStep}}, roiSize, mean);
+    return meanOf(roiSize, Masked{{mask, maskStep}}, mean, Single{src, srcStep});
 }
 
 KprStatus kpriMean_32f_C1MR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                             Kpr64f* mean) {
-    return firstFailure(notNull(src, mask, mean), roiHolds(roiSize), stepsHold<Kpr32f, 1>(roiSize, maskStep, srcStep))
-               ?: meanOf(Plane<Kpr32f>{{src, srcStep}}, Masked{{mask, maskStep}}, roiSize, mean);
+    return meanOf(roiSize, Masked{{mask, maskStep}}, mean, Single{src, srcStep});
 }
 
 KprStatus kpriMean_8u_C3CMR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize, int coi,
                             Kpr64f* mean) {
-    return firstFailure(notNull(src, mask, mean), roiHolds(roiSize), stepsHold<Kpr8u, 3>(roiSize, maskStep, srcStep),
-                        coiHolds(coi))
-               ?: meanOf(PlaneOfThree<Kpr8u>(src, srcStep, coi), Masked{{mask, maskStep}}, roiSize, mean);
+    return meanOf(roiSize, Masked{{mask, maskStep}}, mean, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMean_16u_C3CMR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize, int coi,
                              Kpr64f* mean) {
-    return firstFailure(notNull(src, mask, mean), roiHolds(roiSize), stepsHold<Kpr16u, 3>(roiSize, maskStep, srcStep),
-                        coiHolds(coi))
-               ?: meanOf(PlaneOfThree<Kpr16u>(src, srcStep, coi), Masked{{mask, maskStep}}, roiSize, mean);
+    return meanOf(roiSize, Masked{{mask, maskStep}}, mean, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMean_32f_C3CMR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize, int coi,
                              Kpr64f* mean) {
-    return firstFailure(notNull(src, mask, mean), roiHolds(roiSize), stepsHold<Kpr32f, 3>(roiSize, maskStep, srcStep),
-                        coiHolds(coi))
-               ?: meanOf(PlaneOfThree<Kpr32f>(src, srcStep, coi), Masked{{mask, maskStep}}, roiSize, mean);
+    return meanOf(roiSize, Masked{{mask, maskStep}}, mean, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMean_StdDev_8u_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr64f* mean, Kpr64f* stdDev) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr8u, 1>(roiSize, kAnyStep, srcStep))
-               ?: meanAndDeviationOf(Plane<Kpr8u>{{src, srcStep}}, Everything{}, roiSize, mean, stdDev);
+    return meanAndDeviationOf(roiSize, Everything{}, mean, stdDev, Single{src, srcStep});
 }
 
 KprStatus kpriMean_StdDev_16u_C1R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr64f* mean, Kpr64f* stdDev) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr16u, 1>(roiSize, kAnyStep, srcStep))
-               ?: meanAndDeviationOf(Plane<Kpr16u>{{src, srcStep}}, Everything{}, roiSize, mean, stdDev);
+    return meanAndDeviationOf(roiSize, Everything{}, mean, stdDev, Single{src, srcStep});
 }
 
 KprStatus kpriMean_StdDev_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr64f* mean, Kpr64f* stdDev) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr32f, 1>(roiSize, kAnyStep, srcStep))
-               ?: meanAndDeviationOf(Plane<Kpr32f>{{src, srcStep}}, Everything{}, roiSize, mean, stdDev);
+    return meanAndDeviationOf(roiSize, Everything{}, mean, stdDev, Single{src, srcStep});
 }
 
 KprStatus kpriMean_StdDev_8u_C3CR(const Kpr8u* src, int srcStep, KprSize roiSize, int coi, Kpr64f* mean,
                                   Kpr64f* stdDev) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr8u, 3>(roiSize, kAnyStep, srcStep), coiHolds(coi))
-               ?: meanAndDeviationOf(PlaneOfThree<Kpr8u>(src, srcStep, coi), Everything{}, roiSize, mean, stdDev);
+    return meanAndDeviationOf(roiSize, Everything{}, mean, stdDev, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMean_StdDev_16u_C3CR(const Kpr16u* src, int srcStep, KprSize roiSize, int coi, Kpr64f* mean,
                                    Kpr64f* stdDev) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr16u, 3>(roiSize, kAnyStep, srcStep),
-                        coiHolds(coi))
-               ?: meanAndDeviationOf(PlaneOfThree<Kpr16u>(src, srcStep, coi), Everything{}, roiSize, mean, stdDev);
+    return meanAndDeviationOf(roiSize, Everything{}, mean, stdDev, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMean_StdDev_32f_C3CR(const Kpr32f* src, int srcStep, KprSize roiSize, int coi, Kpr64f* mean,
                                    Kpr64f* stdDev) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr32f, 3>(roiSize, kAnyStep, srcStep),
-                        coiHolds(coi))
-               ?: meanAndDeviationOf(PlaneOfThree<Kpr32f>(src, srcStep, coi), Everything{}, roiSize, mean, stdDev);
+    return meanAndDeviationOf(roiSize, Everything{}, mean, stdDev, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMean_StdDev_8u_C1MR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                   Kpr64f* mean, Kpr64f* stdDev) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr8u, 1>(roiSize, maskStep, srcStep))
-               ?: meanAndDeviationOf(Plane<Kpr8u>{{src, srcStep}}, Masked{{mask, maskStep}}, roiSize, mean, stdDev);
+    return meanAndDeviationOf(roiSize, Masked{{mask, maskStep}}, mean, stdDev, Single{src, srcStep});
 }
 
 KprStatus kpriMean_StdDev_16u_C1MR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                    Kpr64f* mean, Kpr64f* stdDev) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr16u, 1>(roiSize, maskStep, srcStep))
-               ?: meanAndDeviationOf(Plane<Kpr16u>{{src, srcStep}}, Masked{{mask, maskStep}}, roiSize, mean, stdDev);
+    return meanAndDeviationOf(roiSize, Masked{{mask, maskStep}}, mean, stdDev, Single{src, srcStep});
 }
 
 KprStatus kpriMean_StdDev_32f_C1MR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                    Kpr64f* mean, Kpr64f* stdDev) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr32f, 1>(roiSize, maskStep, srcStep))
-               ?: meanAndDeviationOf(Plane<Kpr32f>{{src, srcStep}}, Masked{{mask, maskStep}}, roiSize, mean, stdDev);
+    return meanAndDeviationOf(roiSize, Masked{{mask, maskStep}}, mean, stdDev, Single{src, srcStep});
 }
 
 KprStatus kpriMean_StdDev_8u_C3CMR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                    int coi, Kpr64f* mean, Kpr64f* stdDev) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr8u, 3>(roiSize, maskStep, srcStep),
-                        coiHolds(coi))
-               ?: meanAndDeviationOf(PlaneOfThree<Kpr8u>(src, srcStep, coi), Masked{{mask, maskStep}}, roiSize, mean,
-                                     stdDev);
+    return meanAndDeviationOf(roiSize, Masked{{mask, maskStep}}, mean, stdDev, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMean_StdDev_16u_C3CMR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                     int coi, Kpr64f* mean, Kpr64f* stdDev) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr16u, 3>(roiSize, maskStep, srcStep),
-                        coiHolds(coi))
-               ?: meanAndDeviationOf(PlaneOfThree<Kpr16u>(src, srcStep, coi), Masked{{mask, maskStep}}, roiSize, mean,
-                                     stdDev);
+    return meanAndDeviationOf(roiSize, Masked{{mask, maskStep}}, mean, stdDev, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMean_StdDev_32f_C3CMR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                     int coi, Kpr64f* mean, Kpr64f* stdDev) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr32f, 3>(roiSize, maskStep, srcStep),
-                        coiHolds(coi))
-               ?: meanAndDeviationOf(PlaneOfThree<Kpr32f>(src, srcStep, coi), Masked{{mask, maskStep}}, roiSize, mean,
-                                     stdDev);
+    return meanAndDeviationOf(roiSize, Masked{{mask, maskStep}}, mean, stdDev, OfThree{src, srcStep, coi});
 }

@@ -3,11 +3,10 @@
 // An extremum's position is the first in row-major order that holds it. A NaN wins over nothing; where there is nothing
 // but NaN, the first of them is what is found. Values are given in single precision, which holds every 16-bit value.
 //
-// The forms without a mask run the primitive that just gives what was asked for. The masked forms reduce row after row,
+// The forms without a mask run the search that just gives what was asked for. The masked forms reduce row after row,
 // note the first row that improved on what was known, and search it alone for the column.
 #include <bit>
 
-#include "primitives/extrema.h"
 #include "primitives/extrema_rows.h"
 #include "stats/selection.h"
 
@@ -71,7 +70,7 @@ template <typename T>
 bool findSelected(KprSize roi, Masked mask, Position& found) {
     for (Kpr64s y = 0; y < roi.height; ++y) {
         for (Kpr64s x = 0; x < roi.width; x += kStep<T>) {
-            const Lanes selected = mask.select<T>(y, x, First{roi.width - x});
+            const Lanes selected = mask.select<T>(y, x, First{std::min<Kpr64s>(roi.width - x, kStep<T>)});
             if (selected.bits == 0) continue;
             found = {x + std::countr_zero(selected.bits), y};
             return true;
@@ -115,10 +114,12 @@ KprStatus inferredStatus(KprSize roi, Masked mask, const Kpr32f* minValue, const
     return warns ? kprStatusNoMaskedPixels : kprStatusOk;
 }
 
-template <typename Plane>
-KprStatus maskedMinMax(const Plane& plane, Masked mask, KprSize roi, Kpr32f* minValue, Kpr32f* maxValue,
-                       KprPoint* minIndex, KprPoint* maxIndex) {
-    using T = typename Plane::Element;
+template <typename Source>
+KprStatus maskedMinMax(KprSize roi, Masked mask, Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex,
+                       KprPoint* maxIndex, Source source) {
+    using T = typename Source::Element;
+    if (const KprStatus failure = callHolds(roi, mask, kprStatusOk, source)) return failure;
+    const auto plane = source.plane();
     RowExtremum<T, Smallest> smallest;
     RowExtremum<T, Largest> largest;
     for (Kpr64s y = 0; y < roi.height; ++y) {
@@ -141,92 +142,33 @@ KprStatus maskedMinMax(const Plane& plane, Masked mask, KprSize roi, Kpr32f* min
 
 // ---- without a mask
 
-// The primitives, by element and channels.
-template <typename T, int channels>
-struct Primitives;
-
-template <>
-struct Primitives<Kpr8u, 1> {
-    static constexpr auto min = kpriMin_8u_C1R;
-    static constexpr auto max = kpriMax_8u_C1R;
-    static constexpr auto minMax = kpriMinMax_8u_C1R;
-    static constexpr auto minIndex = kpriMinIndx_8u_C1R;
-    static constexpr auto maxIndex = kpriMaxIndx_8u_C1R;
-};
-
-template <>
-struct Primitives<Kpr8u, 3> {
-    static constexpr auto min = kpriMin_8u_C3R;
-    static constexpr auto max = kpriMax_8u_C3R;
-    static constexpr auto minMax = kpriMinMax_8u_C3R;
-    static constexpr auto minIndex = kpriMinIndx_8u_C3R;
-    static constexpr auto maxIndex = kpriMaxIndx_8u_C3R;
-};
-
-template <>
-struct Primitives<Kpr16u, 1> {
-    static constexpr auto min = kpriMin_16u_C1R;
-    static constexpr auto max = kpriMax_16u_C1R;
-    static constexpr auto minMax = kpriMinMax_16u_C1R;
-    static constexpr auto minIndex = kpriMinIndx_16u_C1R;
-    static constexpr auto maxIndex = kpriMaxIndx_16u_C1R;
-};
-
-template <>
-struct Primitives<Kpr16u, 3> {
-    static constexpr auto min = kpriMin_16u_C3R;
-    static constexpr auto max = kpriMax_16u_C3R;
-    static constexpr auto minMax = kpriMinMax_16u_C3R;
-    static constexpr auto minIndex = kpriMinIndx_16u_C3R;
-    static constexpr auto maxIndex = kpriMaxIndx_16u_C3R;
-};
-
-template <>
-struct Primitives<Kpr32f, 1> {
-    static constexpr auto min = kpriMin_32f_C1R;
-    static constexpr auto max = kpriMax_32f_C1R;
-    static constexpr auto minMax = kpriMinMax_32f_C1R;
-    static constexpr auto minIndex = kpriMinIndx_32f_C1R;
-    static constexpr auto maxIndex = kpriMaxIndx_32f_C1R;
-};
-
-template <>
-struct Primitives<Kpr32f, 3> {
-    static constexpr auto min = kpriMin_32f_C3R;
-    static constexpr auto max = kpriMax_32f_C3R;
-    static constexpr auto minMax = kpriMinMax_32f_C3R;
-    static constexpr auto minIndex = kpriMinIndx_32f_C3R;
-    static constexpr auto maxIndex = kpriMaxIndx_32f_C3R;
-};
-
-// The cheapest primitive that gives what was asked for. The values decide: an index without its value is not written,
-// and one of the values must be there, or a null pointer is written through.
-template <typename T, int channels>
-KprStatus minMax(const T* src, int srcStep, KprSize roi, int channel, Kpr32f* minValue, Kpr32f* maxValue,
-                 KprPoint* minIndex, KprPoint* maxIndex) {
-    using Kit = Primitives<T, channels>;
+// The cheapest search that gives what was asked for. The values decide: an index without its value is not written, and
+// one of the values must be there, or a null pointer is written through.
+template <int channels, typename T>
+KprStatus searchFor(Rows<const T> rows, KprSize roi, int channel, Kpr32f* minValue, Kpr32f* maxValue,
+                    KprPoint* minIndex, KprPoint* maxIndex) {
+    using Known = ExtremaOf<T, channels>;
     T low[channels], high[channels];
     int x[channels], y[channels];
     if (maxValue == nullptr && minIndex == nullptr) {
-        Kit::min(src, srcStep, roi, low);
+        Known::min(rows, roi, low);
         *minValue = static_cast<Kpr32f>(low[channel]);
     } else if (maxValue == nullptr) {
-        Kit::minIndex(src, srcStep, roi, low, x, y);
+        Known::minIndx(rows, roi, low, x, y);
         *minIndex = {x[channel], y[channel]};
         *minValue = static_cast<Kpr32f>(low[channel]);
     } else if (minValue == nullptr && maxIndex == nullptr) {
-        Kit::max(src, srcStep, roi, high);
+        Known::max(rows, roi, high);
         *maxValue = static_cast<Kpr32f>(high[channel]);
     } else if (minValue == nullptr) {
-        Kit::maxIndex(src, srcStep, roi, high, x, y);
+        Known::maxIndx(rows, roi, high, x, y);
         *maxIndex = {x[channel], y[channel]};
         *maxValue = static_cast<Kpr32f>(high[channel]);
     } else if (minIndex == nullptr && maxIndex == nullptr) {
-        Kit::minMax(src, srcStep, roi, low, high);
+        Known::minMax(rows, roi, low, high);
         *minValue = static_cast<Kpr32f>(low[channel]);
         *maxValue = static_cast<Kpr32f>(high[channel]);
     } else {
-        const Rows rows{src, srcStep};
         Running<T, channels, Smallest> smallest;
         Running<T, channels, Largest> largest;
         scanRows(rows, roi, smallest, largest);
@@ -240,6 +182,14 @@ KprStatus minMax(const T* src, int srcStep, KprSize roi, int channel, Kpr32f* mi
     return kprStatusOk;
 }
 
+template <typename Source>
+KprStatus minMax(KprSize roi, Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex,
+                 Source source) {
+    return callHolds(roi, Everything{}, kprStatusOk, source)
+               ?: searchFor<Source::channels>(Rows{source.src, source.step}, roi, source.channel(), minValue, maxValue,
+                                              minIndex, maxIndex);
+}
+
 }  // namespace
 }  // namespace n0::stats
 
@@ -248,85 +198,68 @@ using namespace n0::stats;
 
 KprStatus kpriMinMaxIndx_8u_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, Kpr32f* minValue, Kpr32f* maxValue,
                                 KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr8u, 1>(roiSize, kAnyStep, srcStep))
-               ?: minMax<Kpr8u, 1>(src, srcStep, roiSize, 0, minValue, maxValue, minIndex, maxIndex);
+    return minMax(roiSize, minValue, maxValue, minIndex, maxIndex, Single{src, srcStep});
 }
 
 KprStatus kpriMinMaxIndx_16u_C1R(const Kpr16u* src, int srcStep, KprSize roiSize, Kpr32f* minValue, Kpr32f* maxValue,
                                  KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr16u, 1>(roiSize, kAnyStep, srcStep))
-               ?: minMax<Kpr16u, 1>(src, srcStep, roiSize, 0, minValue, maxValue, minIndex, maxIndex);
+    return minMax(roiSize, minValue, maxValue, minIndex, maxIndex, Single{src, srcStep});
 }
 
 KprStatus kpriMinMaxIndx_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f* minValue, Kpr32f* maxValue,
                                  KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr32f, 1>(roiSize, kAnyStep, srcStep))
-               ?: minMax<Kpr32f, 1>(src, srcStep, roiSize, 0, minValue, maxValue, minIndex, maxIndex);
+    return minMax(roiSize, minValue, maxValue, minIndex, maxIndex, Single{src, srcStep});
 }
 
 KprStatus kpriMinMaxIndx_8u_C3CR(const Kpr8u* src, int srcStep, KprSize roiSize, int coi, Kpr32f* minValue,
                                  Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr8u, 3>(roiSize, kAnyStep, srcStep), coiHolds(coi))
-               ?: minMax<Kpr8u, 3>(src, srcStep, roiSize, coi - 1, minValue, maxValue, minIndex, maxIndex);
+    return minMax(roiSize, minValue, maxValue, minIndex, maxIndex, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMinMaxIndx_16u_C3CR(const Kpr16u* src, int srcStep, KprSize roiSize, int coi, Kpr32f* minValue,
                                   Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr16u, 3>(roiSize, kAnyStep, srcStep),
-                        coiHolds(coi))
-               ?: minMax<Kpr16u, 3>(src, srcStep, roiSize, coi - 1, minValue, maxValue, minIndex, maxIndex);
+    return minMax(roiSize, minValue, maxValue, minIndex, maxIndex, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMinMaxIndx_32f_C3CR(const Kpr32f* src, int srcStep, KprSize roiSize, int coi, Kpr32f* minValue,
                                   Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src), roiHolds(roiSize), stepsHold<Kpr32f, 3>(roiSize, kAnyStep, srcStep),
-                        coiHolds(coi))
-               ?: minMax<Kpr32f, 3>(src, srcStep, roiSize, coi - 1, minValue, maxValue, minIndex, maxIndex);
+    return minMax(roiSize, minValue, maxValue, minIndex, maxIndex, OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMinMaxIndx_8u_C1MR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                  Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr8u, 1>(roiSize, maskStep, srcStep))
-               ?: maskedMinMax(Plane<Kpr8u>{{src, srcStep}}, Masked{{mask, maskStep}}, roiSize, minValue, maxValue,
-                               minIndex, maxIndex);
+    return maskedMinMax(roiSize, Masked{{mask, maskStep}}, minValue, maxValue, minIndex, maxIndex,
+                        Single{src, srcStep});
 }
 
 KprStatus kpriMinMaxIndx_16u_C1MR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                   Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr16u, 1>(roiSize, maskStep, srcStep))
-               ?: maskedMinMax(Plane<Kpr16u>{{src, srcStep}}, Masked{{mask, maskStep}}, roiSize, minValue, maxValue,
-                               minIndex, maxIndex);
+    return maskedMinMax(roiSize, Masked{{mask, maskStep}}, minValue, maxValue, minIndex, maxIndex,
+                        Single{src, srcStep});
 }
 
 KprStatus kpriMinMaxIndx_32f_C1MR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                   Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr32f, 1>(roiSize, maskStep, srcStep))
-               ?: maskedMinMax(Plane<Kpr32f>{{src, srcStep}}, Masked{{mask, maskStep}}, roiSize, minValue, maxValue,
-                               minIndex, maxIndex);
+    return maskedMinMax(roiSize, Masked{{mask, maskStep}}, minValue, maxValue, minIndex, maxIndex,
+                        Single{src, srcStep});
 }
 
 KprStatus kpriMinMaxIndx_8u_C3CMR(const Kpr8u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                   int coi, Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex, KprPoint* maxIndex) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr8u, 3>(roiSize, maskStep, srcStep),
-                        coiHolds(coi))
-               ?: maskedMinMax(PlaneOfThree<Kpr8u>(src, srcStep, coi), Masked{{mask, maskStep}}, roiSize, minValue,
-                               maxValue, minIndex, maxIndex);
+    return maskedMinMax(roiSize, Masked{{mask, maskStep}}, minValue, maxValue, minIndex, maxIndex,
+                        OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMinMaxIndx_16u_C3CMR(const Kpr16u* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                    int coi, Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex,
                                    KprPoint* maxIndex) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr16u, 3>(roiSize, maskStep, srcStep),
-                        coiHolds(coi))
-               ?: maskedMinMax(PlaneOfThree<Kpr16u>(src, srcStep, coi), Masked{{mask, maskStep}}, roiSize, minValue,
-                               maxValue, minIndex, maxIndex);
+    return maskedMinMax(roiSize, Masked{{mask, maskStep}}, minValue, maxValue, minIndex, maxIndex,
+                        OfThree{src, srcStep, coi});
 }
 
 KprStatus kpriMinMaxIndx_32f_C3CMR(const Kpr32f* src, int srcStep, const Kpr8u* mask, int maskStep, KprSize roiSize,
                                    int coi, Kpr32f* minValue, Kpr32f* maxValue, KprPoint* minIndex,
                                    KprPoint* maxIndex) {
-    return firstFailure(notNull(src, mask), roiHolds(roiSize), stepsHold<Kpr32f, 3>(roiSize, maskStep, srcStep),
-                        coiHolds(coi))
-               ?: maskedMinMax(PlaneOfThree<Kpr32f>(src, srcStep, coi), Masked{{mask, maskStep}}, roiSize, minValue,
-                               maxValue, minIndex, maxIndex);
+    return maskedMinMax(roiSize, Masked{{mask, maskStep}}, minValue, maxValue, minIndex, maxIndex,
+                        OfThree{src, srcStep, coi});
 }

@@ -61,24 +61,48 @@ struct RelativeVisitor {
     }
 };
 
-// Of one plane, or of the difference of two.
-template <template <typename> typename Gather, typename Plane, typename... Second>
-KprStatus norm(KprSize roi, Masked mask, Kpr64f* value, const Plane& plane, const Second&... second) {
-    NormVisitor<Gather<typename Plane::Element>> visitor;
-    visitRoi(roi, mask, visitor, plane, second...);
+// Of one float source the multiple of its step is tested before the mask's length.
+template <typename Source>
+KprStatus normHolds(KprSize roi, Masked mask, const Kpr64f* value, Source source) {
+    using T = typename Source::Element;
+    if constexpr (!std::is_floating_point_v<T>) return callHolds(roi, mask, notNull(value), source);
+    return firstFailure(notNull(source.src, value), mask.isThere(), roiHolds(roi),
+                        rowsFit<T>({roi.width, Source::channels}, source.step), stepsAlign<T>(source.step),
+                        mask.fits(roi.width), source.coiHolds());
+}
+
+// The norm of one source.
+template <template <typename> typename Gather, typename Source>
+KprStatus norm(KprSize roi, Masked mask, Kpr64f* value, Source source) {
+    if (const KprStatus failure = normHolds(roi, mask, value, source)) return failure;
+    NormVisitor<Gather<typename Source::Element>> visitor;
+    visitRoi(roi, mask, visitor, source.plane());
     *value = normOf(visitor.norm);
     return kprStatusOk;
 }
 
-template <template <typename> typename Gather, typename Plane>
-KprStatus normRel(KprSize roi, Masked mask, Kpr64f* value, const Plane& a, const Plane& b) {
-    RelativeVisitor<Gather<typename Plane::Element>> visitor;
-    visitRoi(roi, mask, visitor, a, b);
+// The norm of the difference of two.
+template <template <typename> typename Gather, typename Source>
+KprStatus normDiff(KprSize roi, Masked mask, Kpr64f* value, Source first, Source second) {
+    if (const KprStatus failure = callHolds(roi, mask, notNull(value), first, second)) return failure;
+    NormVisitor<Gather<typename Source::Element>> visitor;
+    visitRoi(roi, mask, visitor, first.plane(), second.plane());
+    *value = normOf(visitor.norm);
+    return kprStatusOk;
+}
+
+// The norm of the difference of two, divided by that of the second.
+template <template <typename> typename Gather, typename Source>
+KprStatus normRel(KprSize roi, Masked mask, Kpr64f* value, Source first, Source second) {
+    if (const KprStatus failure = callHolds(roi, mask, notNull(value), first, second)) return failure;
+    RelativeVisitor<Gather<typename Source::Element>> visitor;
+    visitRoi(roi, mask, visitor, first.plane(), second.plane());
     const Kpr64f numerator = normOf(visitor.difference);
     const Kpr64f divisor = normOf(visitor.second);
     if (divisor == 0.0) {
         constexpr Kpr64f infinity = std::numeric_limits<Kpr64f>::infinity();
-        *value = numerator == 0.0 ? std::numeric_limits<Kpr64f>::quiet_NaN() : numerator > 0.0 ? infinity : -infinity;
+        constexpr Kpr64f nan = std::numeric_limits<Kpr64f>::quiet_NaN();
+        *value = numerator == 0.0 ? nan : numerator > 0.0 ? infinity : -infinity;  // a NaN is not above 0 either
         return kprStatusZeroDivisor;
     }
     *value = numerator / divisor;

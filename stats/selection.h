@@ -8,6 +8,7 @@
 #include <bit>
 
 #include "frame/checks.h"
+#include "primitives/channels.h"
 #include "primitives/rows.h"
 
 namespace n0::stats {
@@ -49,10 +50,9 @@ struct Plane {
     }
 };
 
-// The channel `coi`, 1 to 3, of three interleaved ones. A vector's worth of its elements lies in three vectors, and
-// since 3 has no divisor in common with the number of lanes, each lane of the three bears exactly one: loading each
-// vector's own lanes over the others' brings the channel together. Pixel p then lies in lane (3p + coi - 1) mod the
-// lanes; the order matters to sums of floats alone, which are put in order.
+// The channel `coi`, 1 to 3, of three interleaved ones. A vector's worth of its elements lies in three vectors, in each
+// lane of one of them: loading each vector's own lanes over the others' brings the channel together. Pixel p then lies
+// in lane (3p + coi - 1) mod the lanes; the order matters to sums of floats alone, which are put in order.
 template <typename T>
 struct PlaneOfThree {
     static constexpr int channels = 3;
@@ -65,10 +65,8 @@ struct PlaneOfThree {
     Vec<Kpr32s> pixels;  // the lane of each pixel, for floats
 
     PlaneOfThree(const T* src, int step, int coi) : rows{src, step}, channel(coi - 1) {
-        constexpr Bits64 everyThird = 0x9249249249249249;
         for (int v = 0; v < 3; ++v) {
-            const int first = (channel + v * (3 - kLanes<T> % 3)) % 3;
-            lanes[v] = static_cast<Mask<T>>(everyThird << first);
+            lanes[v] = channelLanes<T, 3>(channel, v);
             before[v] = v == 0 ? 0 : before[v - 1] + std::popcount(lanes[v - 1]);
         }
         if constexpr (std::is_floating_point_v<T>) {
@@ -102,6 +100,9 @@ struct PlaneOfThree {
 
 // What selects: nothing but the ROI, or a mask's bytes that are not zero.
 struct Everything {
+    static constexpr KprStatus isThere() { return kprStatusOk; }
+    static constexpr KprStatus fits(Kpr64s) { return kprStatusOk; }
+
     KPR_INLINE static bool gapless(Kpr64s) { return true; }
 
     template <typename T, typename Part>
@@ -112,6 +113,9 @@ struct Everything {
 
 struct Masked {
     Rows<const Kpr8u> rows;
+
+    KprStatus isThere() const { return notNull(rows.first); }
+    KprStatus fits(Kpr64s width) const { return rowsFit<Kpr8u>(width, rows.step); }
 
     KPR_INLINE bool gapless(Kpr64s width) const { return rows.gapless(width); }
     KPR_INLINE bool selects(Kpr64s y, Kpr64s x) const { return rows[y][x] != 0; }
@@ -132,6 +136,8 @@ template <typename Selection, typename Visitor, typename Plane1, typename... Res
 KPR_INLINE void visitRoi(KprSize roi, Selection selection, Visitor& visitor, Plane1 plane, Rest... planes) {
     using T = typename Plane1::Element;
     constexpr bool rowsMatter = std::is_floating_point_v<T>;
+    constexpr bool longKernel = Plane1::channels == 3 && (rowsMatter || sizeof...(Rest) != 0);
+    constexpr Loop loop = longKernel ? Loop::Rolled : Loop::Unrolled;
     constexpr Kpr64s most = 1 << 13;
     constexpr Kpr64s stretch = rowsMatter ? Kpr64s{1} << 62 : most * kStep<T>;
     Kpr64s width = roi.width;
@@ -144,7 +150,7 @@ KPR_INLINE void visitRoi(KprSize roi, Selection selection, Visitor& visitor, Pla
     for (Kpr64s y = 0; y < height; ++y) {
         for (Kpr64s start = 0; start < width; start += stretch) {
             const Kpr64s count = std::min(width - start, stretch);
-            walkColumns<kStep<T>>(count, [&](auto part, Kpr64s x) {
+            walkColumns<kStep<T>, loop>(count, [&](auto part, Kpr64s x) {
                 const auto selected = selection.template select<T>(y, start + x, part);
                 visitor.take(selected, plane.read(y, start + x, selected), planes.read(y, start + x, selected)...);
             });
@@ -158,11 +164,50 @@ KPR_INLINE void visitRoi(KprSize roi, Selection selection, Visitor& visitor, Pla
     if (!rowsMatter) visitor.widen();
 }
 
-// The step checks of every form: all lengths, then all multiples.
-template <typename T, int channels, typename... Steps>
-constexpr KprStatus stepsHold(KprSize roi, int maskStep, Steps... srcSteps) {
-    return firstFailure(rowsFit<T>(Kpr64s{channels} * roi.width, srcSteps...), rowsFit<Kpr8u>(roi.width, maskStep),
-                        stepsAlign<T>(srcSteps...));
+// ---- what a call names, and its checks
+
+// The image of one channel.
+template <typename T>
+struct Single {
+    static constexpr int channels = 1;
+    using Element = T;
+
+    const T* src;
+    int step;
+
+    static constexpr KprStatus coiHolds() { return kprStatusOk; }
+    static constexpr int channel() { return 0; }
+    Plane<T> plane() const { return {{src, step}}; }
+};
+
+// Channel `coi` of an image of three.
+template <typename T>
+struct OfThree {
+    static constexpr int channels = 3;
+    using Element = T;
+
+    const T* src;
+    int step;
+    int coi;
+
+    KprStatus coiHolds() const { return n0::coiHolds(coi); }
+    int channel() const { return coi - 1; }
+    PlaneOfThree<T> plane() const { return {src, step, coi}; }
+};
+
+template <typename T>
+Single(const T*, int) -> Single<T>;
+template <typename T>
+OfThree(const T*, int, int) -> OfThree<T>;
+
+// Of one or two sources alike, what selects, and where the result goes if it must go anywhere: all pointers, the ROI,
+// all lengths, all multiples, the channel of interest.
+template <typename Selection, typename Source, typename... Same>
+KprStatus callHolds(KprSize roi, Selection selection, KprStatus resultIsThere, Source source, Same... second) {
+    using T = typename Source::Element;
+    return firstFailure(notNull(source.src, second.src...), selection.isThere(), resultIsThere, roiHolds(roi),
+                        rowsFit<T>({roi.width, Source::channels}, source.step, second.step...),
+                        selection.fits(roi.width), stepsAlign<T>(source.step, second.step...), source.coiHolds());
 }
 
 }  // namespace n0::stats

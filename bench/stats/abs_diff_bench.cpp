@@ -5,11 +5,21 @@ namespace {
 using bench::Image;
 
 template <typename T, typename Function>
-auto twoSources(Function function) {
+auto twoSources(Function function, int channels = 1, typename Image<T>::Start start = Image<T>::Aligned) {
     return [=](benchmark::State& state, KprSize size) {
-        const Image<T> a(size), b(size), dst(size);
-        bench::measure(state, size, {2 * sizeof(T), sizeof(T)},
+        const Image<T> a(size, channels, start), b(size, channels, start), dst(size, channels, start);
+        const auto bytes = sizeof(T) * static_cast<std::size_t>(channels);
+        bench::measure(state, size, {2 * bytes, bytes},
                        [&] { function(a.data(), a.step(), b.data(), b.step(), dst.data(), dst.step(), size); });
+    };
+}
+
+template <typename T, typename Function>
+auto inPlace(Function function) {
+    return [=](benchmark::State& state, KprSize size) {
+        const Image<T> a(size), b(size);
+        bench::measure(state, size, {2 * sizeof(T), sizeof(T), true},
+                       [&] { function(a.data(), a.step(), b.data(), b.step(), a.data(), a.step(), size); });
     };
 }
 
@@ -44,8 +54,12 @@ void rowsOf(benchmark::State& state, int width) {
 const bool registered = [] {
     bench::add("AbsDiff_8u_C1R", twoSources<Kpr8u>(kpriAbsDiff_8u_C1R));
     bench::add("AbsDiff_8u_C1R/plain_loop", twoSources<Kpr8u>(plainAbsDiff));
+    bench::add("AbsDiff_8u_C1R/odd", twoSources<Kpr8u>(kpriAbsDiff_8u_C1R, 1, Image<Kpr8u>::Odd));
+    bench::add("AbsDiff_8u_C1R/in_place", inPlace<Kpr8u>(kpriAbsDiff_8u_C1R));
+    bench::add("AbsDiff_8u_C3R", twoSources<Kpr8u>(kpriAbsDiff_8u_C3R, 3));
     bench::add("AbsDiff_16u_C1R", twoSources<Kpr16u>(kpriAbsDiff_16u_C1R));
     bench::add("AbsDiff_32f_C1R", twoSources<Kpr32f>(kpriAbsDiff_32f_C1R));
+    bench::add("AbsDiff_32f_C1R/odd", twoSources<Kpr32f>(kpriAbsDiff_32f_C1R, 1, Image<Kpr32f>::Odd));
     bench::add("AbsDiffC_8u_C1R", constant<Kpr8u>(kpriAbsDiffC_8u_C1R));
     bench::add("AbsDiffC_16u_C1R", constant<Kpr16u>(kpriAbsDiffC_16u_C1R));
     bench::add("AbsDiffC_32f_C1R", constant<Kpr32f>(kpriAbsDiffC_32f_C1R));

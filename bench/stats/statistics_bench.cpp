@@ -60,6 +60,25 @@ void addMoments(const std::string& name, F f) {
     });
 }
 template <typename T, typename F>
+void addMomentsOfThree(const std::string& name, F f) {
+    add<T>(name, 3 * sizeof(T), 3, false, [=](const Inputs<T>& in, KprSize size, Results& out) {
+        f(in.first.data(), in.first.step(), size, 2, &out.a, &out.b);
+    });
+}
+template <typename T, typename F>
+void addMeanAlone(const std::string& name, F f) {
+    add<T>(name, sizeof(T), 1, false, [=](const Inputs<T>& in, KprSize size, Results& out) {
+        f(in.first.data(), in.first.step(), size, &out.a, nullptr);
+    });
+}
+template <typename T, typename F>
+void addPairOfThree(const std::string& name, F f) {
+    add<T>(name, 6 * sizeof(T) + 1, 3, true, [=](const Inputs<T>& in, KprSize size, Results& out) {
+        f(in.first.data(), in.first.step(), in.second.data(), in.second.step(), in.mask.data(), in.mask.step(), size, 2,
+          &out.a);
+    });
+}
+template <typename T, typename F>
 void addPair(const std::string& name, F f) {
     add<T>(name, 2 * sizeof(T) + 1, 1, true, [=](const Inputs<T>& in, KprSize size, Results& out) {
         f(in.first.data(), in.first.step(), in.second.data(), in.second.step(), in.mask.data(), in.mask.step(), size,
@@ -81,6 +100,14 @@ void addExtrema(const std::string& name, F f) {
     });
 }
 template <typename T, typename F>
+void addExtremaOfThree(const std::string& name, F f) {
+    add<T>(name, 3 * sizeof(T), 3, false, [=](const Inputs<T>& in, KprSize size, Results&) {
+        Extrema out;
+        f(in.first.data(), in.first.step(), size, 2, &out.low, &out.high, &out.lowAt, &out.highAt);
+        benchmark::DoNotOptimize(out);
+    });
+}
+template <typename T, typename F>
 void addMaskedExtrema(const std::string& name, F f) {
     add<T>(name, sizeof(T) + 1, 1, true, [=](const Inputs<T>& in, KprSize size, Results&) {
         Extrema out;
@@ -94,6 +121,8 @@ const bool registered = [] {
     addExtrema<Kpr8u>("MinMaxIndx_8u_C1R", kpriMinMaxIndx_8u_C1R);
     addExtrema<Kpr16u>("MinMaxIndx_16u_C1R", kpriMinMaxIndx_16u_C1R);
     addExtrema<Kpr32f>("MinMaxIndx_32f_C1R", kpriMinMaxIndx_32f_C1R);
+    addExtremaOfThree<Kpr8u>("MinMaxIndx_8u_C3CR", kpriMinMaxIndx_8u_C3CR);
+    addExtremaOfThree<Kpr32f>("MinMaxIndx_32f_C3CR", kpriMinMaxIndx_32f_C3CR);
     addMaskedExtrema<Kpr8u>("MinMaxIndx_8u_C1MR", kpriMinMaxIndx_8u_C1MR);
     addMaskedExtrema<Kpr32f>("MinMaxIndx_32f_C1MR", kpriMinMaxIndx_32f_C1MR);
     addMean<Kpr8u>("Mean_8u_C1MR", kpriMean_8u_C1MR);
@@ -104,6 +133,13 @@ const bool registered = [] {
     addMoments<Kpr8u>("Mean_StdDev_8u_C1R", kpriMean_StdDev_8u_C1R);
     addMoments<Kpr16u>("Mean_StdDev_16u_C1R", kpriMean_StdDev_16u_C1R);
     addMoments<Kpr32f>("Mean_StdDev_32f_C1R", kpriMean_StdDev_32f_C1R);
+    addMeanAlone<Kpr8u>("Mean_StdDev_8u_C1R/mean_alone", kpriMean_StdDev_8u_C1R);
+    addMeanAlone<Kpr32f>("Mean_StdDev_32f_C1R/mean_alone", kpriMean_StdDev_32f_C1R);
+    addMomentsOfThree<Kpr8u>("Mean_StdDev_8u_C3CR", kpriMean_StdDev_8u_C3CR);
+    addMomentsOfThree<Kpr32f>("Mean_StdDev_32f_C3CR", kpriMean_StdDev_32f_C3CR);
+    addMeanOfThree<Kpr8u>("Norm_L2_8u_C3CMR", kpriNorm_L2_8u_C3CMR);
+    addPairOfThree<Kpr8u>("NormDiff_L2_8u_C3CMR", kpriNormDiff_L2_8u_C3CMR);
+    addPairOfThree<Kpr32f>("NormRel_L2_32f_C3CMR", kpriNormRel_L2_32f_C3CMR);
     addMean<Kpr8u>("Norm_Inf_8u_C1MR", kpriNorm_Inf_8u_C1MR);
     addMean<Kpr8u>("Norm_L1_8u_C1MR", kpriNorm_L1_8u_C1MR);
     addMean<Kpr8u>("Norm_L2_8u_C1MR", kpriNorm_L2_8u_C1MR);

@@ -75,6 +75,55 @@ TEST_F(PastTheCache, Images) {
     }
 }
 
+// The most that is written without a question, in pixels or bytes as each has it, and one more.
+TEST_F(PastTheCache, ImagesAreAskedAboutAboveTheirLimits) {
+    test::GuardedBytes memory(2 * 6291457, test::Guard::After);
+    const auto asks = [&](auto call) {
+        cacheQuery = {kprStatusOk, INT32_MAX};
+        EXPECT_EQ(call(), kprStatusOk);
+        return cacheQuery.asked != 0;
+    };
+    auto* const bytes = reinterpret_cast<Kpr8u*>(memory.data());
+    auto* const words = reinterpret_cast<Kpr16s*>(memory.data());
+    for (int beyond : {0, 1}) {
+        const KprSize filled = {6291456 + beyond, 1}, copied = {0x300000 + beyond, 1};
+        EXPECT_EQ(asks([&] { return kpriSet_8u_C1R(1, bytes, 1, filled); }), beyond == 1);
+        EXPECT_EQ(asks([&] { return kpriSet_16s_C1R(1, words, 1, filled); }), beyond == 1);
+        EXPECT_EQ(asks([&] { return kpriCopy_8u_C1R(bytes, 1, bytes, 1, copied); }), beyond == 1);
+        const KprSize converted = {87381 + beyond, 1};  // 6 bytes a pixel
+        std::vector<Kpr32f> floats(87382);
+        const auto* const src = reinterpret_cast<const Kpr16u*>(words);
+        EXPECT_EQ(asks([&] { return kpriConvert_16u32f_C1R(src, 1, floats.data(), 1, converted); }), beyond == 1);
+    }
+}
+
+// A conversion takes any step from 1 on, so that rows may begin between the multiples of an element's size.
+TEST_F(PastTheCache, RowsThatLieOddly) {
+    constexpr KprSize size = {1999, 801};
+    struct Place {
+        int first, gap;
+    };
+    for (Place at : {Place{0, 1}, Place{0, 2}, Place{1, 0}, Place{3, 4}}) {
+        eachAnswer([&] {
+            test::GuardedImage<Kpr16u> src(size, random);
+            src.fill(random);
+            const int step = size.width * 4 + at.gap;
+            const test::GuardedBytes memory(static_cast<std::size_t>(at.first + step * size.height - at.gap),
+                                            test::Guard::After);
+            char* dst = memory.data() + at.first;
+            ASSERT_EQ(kpriConvert_16u32f_C1R(src.data(), src.step(), reinterpret_cast<Kpr32f*>(dst), step, size),
+                      kprStatusOk);
+            for (int y = 0; y < size.height; ++y) {
+                for (int x = 0; x < size.width; ++x) {
+                    Kpr32f pixel;
+                    std::memcpy(&pixel, dst + std::ptrdiff_t{y} * step + 4 * x, sizeof pixel);
+                    ASSERT_EQ(pixel, static_cast<float>(src.at(x, y))) << x << ", " << y << ", gap " << at.gap;
+                }
+            }
+        });
+    }
+}
+
 TEST_F(PastTheCache, SizeIsWhatTheQueryWrote) {
     for (const CacheQuery& answer : kAnswers) {
         cacheQuery = answer;

@@ -21,6 +21,7 @@ struct Geometry {
     explicit Geometry(Random& random) {
         const int widths[] = {1, 2, 3, random.range(4, 12), random.range(13, 40), random.range(41, 150)};
         size = {widths[random.range(0, 5)], random.oneIn(3) ? random.range(1, 2) : random.range(3, 9)};
+        if (random.oneIn(20)) size = test::photographSizes()[static_cast<std::size_t>(random.range(0, 5))];
         left = border(random, size.width);
         top = border(random, size.height);
         whole = {left + size.width + border(random, size.width), top + size.height + border(random, size.height)};

@@ -11,7 +11,7 @@ using test::Random;
 template <typename T, typename Step, typename Size>
 void checkImage(KprStatus (*copy)(const T*, Step, T*, Step, Size), int channels, int copied) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         GuardedImage<T> src(size, random, channels), dst(size, random, channels),
             before(size, channels, 0, test::Guard::After);
         src.fill(random, true);

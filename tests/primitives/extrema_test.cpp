@@ -88,7 +88,7 @@ void expectExtrema(const Members<T>& members, GuardedImage<T>& image) {
 template <typename T>
 void checkMembers(const Members<T>& members) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         GuardedImage<T> image(size, random, members.channels);
         for (int round = 0; round < 4; ++round) {
             const T any = random.pixel<T>();
@@ -129,9 +129,19 @@ TEST(Extrema, FloatsOfThreeChannels) { checkMembers(MEMBERS(32f, 3)); }
 // Rows of nothing but NaN, infinities and zeros of both signs, which tie, in every mixture.
 TEST(Extrema, SpecialFloats) {
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float kSignalling = std::numeric_limits<float>::signaling_NaN();
     constexpr float kInf = std::numeric_limits<float>::infinity();
-    const std::vector<float> mixtures[] = {{kNan},        {kNan, kInf},        {kNan, -kInf}, {kNan, kInf, -kInf},
-                                           {0.0F, -0.0F}, {0.0F, -0.0F, kNan}, {kNan, 3.0F}};
+    const std::vector<float> mixtures[] = {{kNan},
+                                           {kNan, kInf},
+                                           {kNan, -kInf},
+                                           {kSignalling},
+                                           {kSignalling, kInf},
+                                           {kNan, kInf, -kInf},
+                                           {0.0F, -0.0F},
+                                           {0.0F, -0.0F, kNan},
+                                           {kNan, 3.0F},
+                                           {kNan, -kNan, kSignalling, 3.0F},
+                                           {-3.0F, kSignalling}};
     Random random;
     for (const auto& mixture : mixtures) {
         for (KprSize size : {KprSize{1, 1}, KprSize{3, 5}, KprSize{17, 3}, KprSize{70, 4}, KprSize{300, 2}}) {
@@ -152,7 +162,7 @@ TEST(Extrema, SpecialFloats) {
 
 TEST(Extrema, OfAnArray) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         if (size.height != 1) continue;
         GuardedImage<float> array(size, random);
         array.fill(random, true);
@@ -168,7 +178,7 @@ TEST(Extrema, OfAnArray) {
 template <typename T, typename Function, typename Rule>
 void checkEvery(Function function, Rule rule) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         if (size.height != 1) continue;
         GuardedImage<T> a(size, random), b(size, random), dst(size, random);
         a.fill(random, true);

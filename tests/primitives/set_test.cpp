@@ -10,7 +10,7 @@ using test::Random;
 template <typename T>
 void checkImage(KprStatus (*set)(T, T*, int, KprSize)) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         GuardedImage<T> dst(size, random);
         const T value = random.pixel<T>();
         ASSERT_EQ(set(value, dst.data(), dst.step(), size), kprStatusOk);
@@ -22,7 +22,7 @@ void checkImage(KprStatus (*set)(T, T*, int, KprSize)) {
 template <typename T>
 void checkTuple(KprStatus (*set)(const T*, T*, int, KprSize), int channels) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         GuardedImage<T> dst(size, random, channels), value({1, 1}, random, channels);
         value.fill(random);
         ASSERT_EQ(set(value.data(), dst.data(), dst.step(), size), kprStatusOk);

@@ -11,7 +11,7 @@ using test::Random;
 template <typename T, typename Call, typename Beyond>
 void check(Call call, Beyond beyond) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         GuardedImage<T> src(size, random), dst(size, random);
         src.fill(random, true);
         const T threshold = random.pixel<T>(true);
@@ -60,15 +60,20 @@ TEST(Threshold, ReplacesWhatIsAbove) {
 }
 
 TEST(Threshold, CopiesNanAndZerosOfTheOtherSign) {
-    const float nan = std::bit_cast<float>(0x7fc12345);
-    const float src[] = {nan, -0.0F, -1.0F, 1.0F};
-    float dst[4];
-    ASSERT_EQ(kprsThreshold_LT_32f(src, dst, 4, 0.0F), kprStatusOk);
-    EXPECT_EQ(std::bit_cast<int>(dst[0]), 0x7fc12345);
-    EXPECT_TRUE(std::signbit(dst[1]));
-    EXPECT_TRUE(dst[2] == 0 && dst[3] == 1);
-    ASSERT_EQ(kprsThreshold_LT_32f(src, dst, 4, nan), kprStatusOk);
+    // quiet, and signalling of both signs
+    const unsigned src[] = {0x7fc12345, 0x7f812345, 0xff812345, 0x80000000, 0xbf800000, 0x3f800000};
+    unsigned dst[6];
+    const auto raise = [&](float threshold) {
+        return kprsThreshold_LT_32f(reinterpret_cast<const float*>(src), reinterpret_cast<float*>(dst), 6, threshold);
+    };
+    ASSERT_EQ(raise(0.0F), kprStatusOk);
+    EXPECT_EQ(dst[4], 0U);
+    dst[4] = src[4];
     EXPECT_EQ(std::memcmp(src, dst, sizeof src), 0);
+    for (unsigned nan : {0x7fc12345U, 0x7f812345U}) {
+        ASSERT_EQ(raise(std::bit_cast<float>(nan)), kprStatusOk);
+        EXPECT_EQ(std::memcmp(src, dst, sizeof src), 0);
+    }
 }
 
 TEST(Threshold, StatusLadders) {

@@ -15,7 +15,7 @@ using test::Random;
 template <typename T, typename Function>
 void checkAbsDiff(Function function, int channels = 1) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         GuardedImage<T> a(size, random, channels), b(size, random, channels), dst(size, random, channels);
         a.fill(random, true);
         b.fill(random, true);
@@ -37,7 +37,7 @@ void checkAbsDiff(Function function, int channels = 1) {
 template <typename T, typename Value, typename Function, typename Element>
 void checkAbsDiffC(Function function, std::initializer_list<Value> values, Element element) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         for (Value value : values) {
             GuardedImage<T> src(size, random), dst(size, random);
             src.fill(random, true);

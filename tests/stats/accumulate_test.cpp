@@ -5,6 +5,7 @@
 #include "tests/reference/stats.h"
 #include "tests/support/guarded_image.h"
 #include "tests/support/ladder.h"
+#include "tests/support/masks.h"
 
 namespace {
 
@@ -22,14 +23,14 @@ const Rule kProduct = [](float a, float b, float d, const Kpr8u* m) { return ref
 template <typename T, typename Call>
 void check(const Rule& rule, bool masked, Call call) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         GuardedImage<T> a(size, random), b(size, random);
         GuardedImage<Kpr8u> mask(size, random);
         GuardedImage<Kpr32f> sum(size, random);
         a.fill(random, true);
         b.fill(random, true);
         sum.fill(random, true);
-        mask.fill(random).forEach([&](Kpr8u& m) { m = random.oneIn(2) ? m : Kpr8u{0}; });
+        test::fillMask(mask, test::anyMaskKind(random), random);
         std::vector<float> expected;
         for (int y = 0; y < size.height; ++y) {
             for (int x = 0; x < size.width; ++x) {
@@ -112,7 +113,7 @@ TEST(Accumulate, AddWeighted) {
 
 TEST(Accumulate, BlendToAThirdImageOrOverASource) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
+    for (KprSize size : test::allSizes()) {
         GuardedImage<Kpr32f> a(size, random), b(size, random), dst(size, random);
         a.fill(random, true);
         b.fill(random, true);

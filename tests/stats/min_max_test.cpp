@@ -70,7 +70,8 @@ void check(C1 c1, C3C c3c, C1M c1m, C3CM c3cm) {
         s.images[0].forEach([&](T& p) {
             if (kind < 3) p = static_cast<T>(random.range(0, 3 + 100 * kind));
             if (kind == 3) p = std::numeric_limits<T>::has_infinity ? std::numeric_limits<T>::infinity() : T(-1);
-            if (kind == 4 && random.oneIn(3)) p = std::numeric_limits<T>::quiet_NaN();
+            if (kind == 4 && random.oneIn(3))
+                p = random.oneIn(2) ? std::numeric_limits<T>::quiet_NaN() : std::numeric_limits<T>::signaling_NaN();
         });
         const int asked = random.range(0, 15);
         const bool min = asked & 1, max = asked & 2, minAt = asked & 4, maxAt = asked & 8;
@@ -107,6 +108,40 @@ TEST(MinMaxIndx, Words) {
 }
 TEST(MinMaxIndx, Floats) {
     check<Kpr32f>(kpriMinMaxIndx_32f_C1R, kpriMinMaxIndx_32f_C3CR, kpriMinMaxIndx_32f_C1MR, kpriMinMaxIndx_32f_C3CMR);
+}
+
+// One selected pixel beyond the columns that a byte counts, which is at the worst value there is, or NaN: nothing but the
+// search for a selected pixel finds it.
+TEST(MinMaxIndx, OnePixelFarOut) {
+    for (int width : {65, 256, 257, 320, 640, 1100}) {
+        for (int at = 0; at < width; at += 3) {
+            const auto columns = static_cast<std::size_t>(width);
+            const std::vector<Kpr8u> dark(columns, 0), bright(columns, 255);
+            const std::vector<Kpr32f> nothing(columns, std::numeric_limits<float>::quiet_NaN());
+            std::vector<Kpr8u> mask(columns, 0);
+            mask[static_cast<std::size_t>(at)] = 1;
+            float min = -1, max = -1;
+            KprPoint minAt = {-1, -1}, maxAt = {-1, -1};
+            const KprSize size = {width, 1};
+            ASSERT_EQ(
+                kpriMinMaxIndx_8u_C1MR(dark.data(), width, mask.data(), width, size, &min, nullptr, nullptr, nullptr),
+                kprStatusOk)
+                << at << " of " << width;
+            EXPECT_EQ(min, 0.0F);
+            ASSERT_EQ(
+                kpriMinMaxIndx_8u_C1MR(bright.data(), width, mask.data(), width, size, &min, &max, &minAt, &maxAt),
+                kprStatusOk);
+            EXPECT_EQ(std::tuple(min, max, minAt.x, maxAt.x), std::tuple(255.0F, 255.0F, at, at));
+            ASSERT_EQ(kpriMinMaxIndx_32f_C1MR(nothing.data(), 4 * width, mask.data(), width, size, &min, &max, &minAt,
+                                              &maxAt),
+                      kprStatusOk);
+            EXPECT_TRUE(std::isnan(min) && std::isnan(max) && minAt.x == at && maxAt.x == at) << at << " of " << width;
+            mask[static_cast<std::size_t>(at)] = 0;
+            EXPECT_EQ(
+                kpriMinMaxIndx_8u_C1MR(dark.data(), width, mask.data(), width, size, &min, nullptr, nullptr, nullptr),
+                kprStatusNoMaskedPixels);
+        }
+    }
 }
 
 // The inference from column 0 is part of the contract.

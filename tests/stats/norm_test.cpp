@@ -64,7 +64,9 @@ void checkPair(Kind kind, bool relative, C1M c1m, C3CM c3cm) {
                 return s.selects(x, y) ? magnitude<T>(s.pixel(1, x, y), T{0}) : T{0};
             });
             if (divisor == 0) status = kprStatusZeroDivisor;
+            const bool aboveZero = !std::isnan(expected);
             expected /= divisor;
+            if (divisor == 0 && !aboveZero) expected = -std::numeric_limits<double>::infinity();
         }
         double value = -1;
         EXPECT_EQ(
@@ -127,6 +129,11 @@ TEST(Norm, ZeroDivisor) {
     EXPECT_EQ(value, std::numeric_limits<double>::infinity());
     EXPECT_EQ(kpriNormRel_L1_8u_C1MR(a, 1, b, 1, none, 1, {1, 1}, &value), kprStatusZeroDivisor);
     EXPECT_TRUE(std::isnan(value));
+    const Kpr32f nan[] = {std::numeric_limits<float>::quiet_NaN()}, zero[] = {0};
+    EXPECT_EQ(kpriNormRel_L2_32f_C1MR(nan, 4, zero, 4, all, 1, {1, 1}, &value), kprStatusZeroDivisor);
+    EXPECT_EQ(value, -std::numeric_limits<double>::infinity());
+    EXPECT_EQ(kpriNormRel_Inf_32f_C1MR(nan, 4, zero, 4, all, 1, {1, 1}, &value), kprStatusZeroDivisor);
+    EXPECT_TRUE(std::isnan(value)) << "the largest passes a NaN over: 0 by 0";
 }
 
 // Of one float source the multiple is tested before the mask's length.
