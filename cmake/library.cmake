@@ -15,9 +15,15 @@ add_library(kprcv_objects OBJECT
     filter/row_pipeline.cpp
     filter/sobel.cpp
     morph/bits.cpp
+    morph/call.cpp
     morph/compound.cpp
     morph/compound_bits.cpp
     morph/compound_large.cpp
+    morph/compound_stages.cpp
+    morph/extremum_bits.cpp
+    morph/extremum_bytes.cpp
+    morph/extremum_floats.cpp
+    morph/extremum_words.cpp
     morph/reconstruct.cpp
     morph/structure.cpp
     morph/structuring.cpp

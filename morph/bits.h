@@ -37,6 +37,8 @@ struct BitJob {
     Border border;
     Kpr8u fill;  // eight pixels of the constant border
     Workspace work;
+    Output output;               // no less than zero: neither is a bit
+    BitRows<const Kpr8u> other;  // the image of the differences; its first pixel is the ROI's
 
     [[nodiscard]] Axis rows() const { return rowsOf(height, border, LonePixel::Reflects); }
     [[nodiscard]] Axis columns() const { return columnsOf(width, border, LonePixel::Reflects); }
@@ -109,34 +111,12 @@ class BitReader {
     BitSpan held_;
 };
 
-// How a result v becomes a pixel: as it is, or in a difference with another image's pixel, of which less than zero is
-// zero.
-struct PlainBits {
-    static constexpr bool kReadsOther = false;
-    KPR_INLINE static Vec<Kpr8u> pixels(Vec<Kpr8u> v, Vec<Kpr8u>) { return v; }
-};
-
-struct BitsFromOther {  // other - v
-    static constexpr bool kReadsOther = true;
-    KPR_INLINE static Vec<Kpr8u> pixels(Vec<Kpr8u> v, Vec<Kpr8u> other) { return combine<0x30>(other, v, v); }
-};
-
-struct BitsLessOther {  // v - other
-    static constexpr bool kReadsOther = true;
-    KPR_INLINE static Vec<Kpr8u> pixels(Vec<Kpr8u> v, Vec<Kpr8u> other) { return combine<0x30>(v, other, other); }
-};
-
 // The rows of the destination, a byte of pixels a lane. Lane 0 is the byte that holds the first pixel; the pixels
 // beside the ROI in it and in the last one keep their values.
-template <typename Put>
 class BitSink {
   public:
-    BitSink(const BitJob& job, BitRows<const Kpr8u> other)
-        : rows_(job.dst.bytes),
-          other_(other.bytes),
-          before_(job.dst.bit & 7),
-          span_{before_, before_ + job.width},
-          read_(other.bit - before_, {other.bit, other.bit + job.width}) {
+    explicit BitSink(const BitJob& job)
+        : rows_(job.dst.bytes), before_(job.dst.bit & 7), span_{before_, before_ + job.width} {
         rows_.first += job.dst.bit >> 3;
     }
 
@@ -155,17 +135,47 @@ class BitSink {
 
     KPR_INLINE void put(Kpr64s y, Kpr64s lane, const Stretch& stretch, Vec<Kpr8u> v, auto part) const {
         Kpr8u* dst = rows_[y] + lane;
-        if constexpr (Put::kReadsOther) v = Put::pixels(v, read_(other_[y], lane));
         if (!stretch.whole) v = selectBits(stretch.mask, v, load(dst, part));
         store(dst, v, part);
     }
 
+    static constexpr bool kReadsOther = false;
+
   private:
     Rows<Kpr8u> rows_;
-    Rows<const Kpr8u> other_;
     Kpr64s before_;
     BitSpan span_;
-    BitReader read_;
 };
+
+// The same for differences with another image. It is a class of its own because reading that image takes more registers
+// than vectors of results have to spare.
+class BitDifferenceSink : public BitSink {
+  public:
+    explicit BitDifferenceSink(const BitJob& job)
+        : BitSink(job),
+          other_(job.other.bytes),
+          read_(job.other.bit - before(), {job.other.bit, job.other.bit + job.width}),
+          otherLess_(job.output == Output::OtherLess) {}
+
+    KPR_INLINE void put(Kpr64s y, Kpr64s lane, const Stretch& stretch, Vec<Kpr8u> v, auto part) const {
+        const Vec<Kpr8u> other = read_(other_[y], lane);
+        BitSink::put(y, lane, stretch, otherLess_ ? less(other, v) : less(v, other), part);
+    }
+
+    static constexpr bool kReadsOther = true;
+
+  private:
+    KPR_INLINE static Vec<Kpr8u> less(Vec<Kpr8u> a, Vec<Kpr8u> b) { return combine<0x30>(a, b, b); }  // a & ~b
+
+    Rows<const Kpr8u> other_;
+    BitReader read_;
+    bool otherLess_;
+};
+
+// use(sink) with the one that the job's output wants.
+template <typename Use>
+KPR_INLINE void withSink(const BitJob& job, Use use) {
+    job.output == Output::Result ? use(BitSink(job)) : use(BitDifferenceSink(job));
+}
 
 }  // namespace n0::morph
