@@ -115,6 +115,8 @@ class BitReader {
 // beside the ROI in it and in the last one keep their values.
 class BitSink {
   public:
+    static constexpr bool kReadsOther = false;
+
     explicit BitSink(const BitJob& job)
         : rows_(job.dst.bytes), before_(job.dst.bit & 7), span_{before_, before_ + job.width} {
         rows_.first += job.dst.bit >> 3;
@@ -139,8 +141,6 @@ class BitSink {
         store(dst, v, part);
     }
 
-    static constexpr bool kReadsOther = false;
-
   private:
     Rows<Kpr8u> rows_;
     Kpr64s before_;
@@ -151,24 +151,39 @@ class BitSink {
 // than vectors of results have to spare.
 class BitDifferenceSink : public BitSink {
   public:
+    static constexpr bool kReadsOther = true;
+
     explicit BitDifferenceSink(const BitJob& job)
         : BitSink(job),
           other_(job.other.bytes),
-          read_(job.other.bit - before(), {job.other.bit, job.other.bit + job.width}),
+          byte_((job.other.bit - before()) >> 3),
+          shift_((job.other.bit - before()) & 7),
+          shifted_(((job.other.bit - before()) & 7) != 0),
+          held_{job.other.bit, job.other.bit + job.width},
           otherLess_(job.output == Output::OtherLess) {}
 
-    KPR_INLINE void put(Kpr64s y, Kpr64s lane, const Stretch& stretch, Vec<Kpr8u> v, auto part) const {
-        const Vec<Kpr8u> other = read_(other_[y], lane);
-        BitSink::put(y, lane, stretch, otherLess_ ? less(other, v) : less(v, other), part);
+    struct Stretch : BitSink::Stretch {
+        Lanes here, next;  // of the other image's bytes, and one byte further
+    };
+    [[nodiscard]] KPR_INLINE Stretch stretch(Kpr64s lane) const {
+        return {BitSink::stretch(lane), held_.lanes(byte_ + lane), held_.lanes(byte_ + lane + 1)};
     }
 
-    static constexpr bool kReadsOther = true;
+    KPR_INLINE void put(Kpr64s y, Kpr64s lane, const Stretch& stretch, Vec<Kpr8u> v, auto part) const {
+        const Kpr8u* row = other_[y] + byte_ + lane;
+        Vec<Kpr8u> other = load(row, stretch.here);
+        if (shifted_) other = shift_(other, load(row + 1, stretch.next));
+        BitSink::put(y, lane, stretch, otherLess_ ? less(other, v) : less(v, other), part);
+    }
 
   private:
     KPR_INLINE static Vec<Kpr8u> less(Vec<Kpr8u> a, Vec<Kpr8u> b) { return combine<0x30>(a, b, b); }  // a & ~b
 
     Rows<const Kpr8u> other_;
-    BitReader read_;
+    Kpr64s byte_;
+    PixelShift shift_;
+    bool shifted_;
+    BitSpan held_;
     bool otherLess_;
 };
 
