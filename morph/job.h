@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 #include "morph/structure.h"
@@ -60,10 +61,13 @@ struct Erosion {
     KPR_INLINE static Vec<T> join(Vec<T> a, Vec<T> b) { return smaller(a, b); }
 };
 
-// A NaN as a quiet one.
+// A NaN as a quiet one, without an operation that a signalling one would trap in.
 template <typename T>
 constexpr T quiet(T value) {
-    if constexpr (std::is_floating_point_v<T>) return value != value ? std::numeric_limits<T>::quiet_NaN() : value;
+    if constexpr (std::is_floating_point_v<T>) {
+        const bool isNan = (std::bit_cast<unsigned>(value) & 0x7fffffff) > 0x7f800000;
+        return isNan ? std::numeric_limits<T>::quiet_NaN() : value;
+    }
     return value;
 }
 

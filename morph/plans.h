@@ -26,10 +26,12 @@ template <typename Rule, typename T>
 Source makeExtremum(const Job<T>& job, const Taps& taps) {
     if constexpr (std::is_floating_point_v<T>) {
         // Plans take floats for free of signalling NaN, as they are in practice. Where one turns up, all is made anew
-        // by the plan that makes them quiet: the source is as it was, as other plans do not work in place.
-        if (job.source == Source::Quiet) {
-            const InvalidOperands invalid;
-            if (byPlan<Rule>(job, taps.plan) && (job.output != Output::Result || !invalid.seen())) return Source::Quiet;
+        // by the plan that makes them quiet: the source is as it was, as other plans do not work in place. A difference
+        // has no second try, since its other image may be the destination; but its source comes from an earlier stage,
+        // which has told.
+        const InvalidOperands invalid;
+        if (job.source == Source::Quiet && byPlan<Rule>(job, taps.plan)) {
+            if (job.output != Output::Result || !invalid.seen()) return Source::Quiet;
         }
         TapWalk<Rule, T>(job, taps).run();
         return Source::Signalling;
