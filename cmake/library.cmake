@@ -24,9 +24,15 @@ add_library(kprcv_objects OBJECT
     geometry/sample_line.cpp
     geometry/undistort.cpp
     morph/bits.cpp
+    morph/call.cpp
     morph/compound.cpp
     morph/compound_bits.cpp
     morph/compound_large.cpp
+    morph/compound_stages.cpp
+    morph/extremum_bits.cpp
+    morph/extremum_bytes.cpp
+    morph/extremum_floats.cpp
+    morph/extremum_words.cpp
     morph/gray.cpp
     morph/reconstruct.cpp
     morph/structure.cpp

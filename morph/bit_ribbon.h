@@ -14,19 +14,16 @@ template <typename Rule>
 class BitRibbon {
   public:
     // Rows of eight words or more: a row does not end twice in a vector.
-    static bool serves(const BitJob& job, Window w) {
+    static bool serves(const BitJob& job) {
         const Border b = job.border;
-        const bool square = w.left == 1 && w.right == 1 && w.top == 1 && w.bottom == 1;
         const bool neutral = b.base != kprBorderConstant || job.fill == Rule::kWeakest;
         const bool words = job.width >= 512 && job.width % 64 == 0 && job.src.bit == 0 && job.dst.bit == 0;
-        return square && neutral && words && !b.left && !b.right && job.src.bytes.gapless(job.width >> 3) &&
-               job.dst.bytes.gapless(job.width >> 3);
+        return job.output == Output::Result && neutral && words && !b.left && !b.right &&
+               job.src.bytes.gapless(job.width >> 3) && job.dst.bytes.gapless(job.width >> 3);
     }
 
     explicit BitRibbon(const BitJob& job)
-        : job_(job),
-          step_(job.width >> 3),
-          crossings_(reinterpret_cast<Kpr8u*>(Lines<char>::upTo(job.work.first, 64))) {}
+        : job_(job), step_(job.width >> 3), crossings_(Workspace(job.work).take<Kpr8u>(step_ + 64, 64)) {}
 
     void run() const {
         drawCrossings();

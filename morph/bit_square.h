@@ -7,14 +7,12 @@
 
 namespace n0::morph {
 
-template <typename Rule, typename Put, int reach>
+template <typename Rule, int reach, typename Sink>
 class BitSquare {
   public:
-    static bool serves(Window w) { return w.left == reach && w.right == reach && w.top == reach && w.bottom == reach; }
-
-    BitSquare(const BitJob& job, BitRows<const Kpr8u> other)
+    BitSquare(const BitJob& job, const Sink& sink)
         : job_(job),
-          sink_(job, other),
+          sink_(sink),
           held_{job.src.bit - (job.border.left ? reach : 0), job.src.bit + job.width + (job.border.right ? reach : 0)},
           beginRow_(job.border.top ? -reach : 0),
           endRow_(job.height + (job.border.bottom ? reach : 0)),
@@ -29,7 +27,7 @@ class BitSquare {
             for (Kpr64s lane = 0; lane < bytes; lane += 64) {
                 // The last vector of a row overlaps the one before it, so that it is whole, unless what it writes
                 // depends on what it reads there.
-                const bool drawnBack = !Put::kReadsOther && lane + 64 > bytes && bytes >= 64;
+                const bool drawnBack = !Sink::kReadsOther && lane + 64 > bytes && bytes >= 64;
                 stretch(drawnBack ? bytes - 64 : lane, y, end);
             }
         }
@@ -75,7 +73,7 @@ class BitSquare {
     KPR_INLINE void down(Kpr64s byte, int pixel, Kpr64s lane, Kpr64s y, Kpr64s end, auto part) const {
         constexpr int side = 2 * reach + 1;
         // Copies: a store of bytes might change what is reached through `this`.
-        const BitSink<Put> sink = sink_;
+        const Sink sink = sink_;
         const auto rows = job_.src.bytes;
         const Kpr64s beginRow = beginRow_, endRow = endRow_;
         const auto outside = outside_;
@@ -123,24 +121,25 @@ class BitSquare {
             takeTurns<side - 1>([&](auto k) { row[k] = row[k + 1]; });
         };
         takeTurns<side - 1>([&](auto k) { row[k] = outside; });
-        Kpr64s at = y - reach;
-        for (; at < y + reach; ++at) takeRow(at);
-        // Two rows of results at a time share all source rows but two; fewer registers and pointers move, too.
-        const Kpr8u* src = rows[at] + byte;
         const Kpr64s last = std::min(end + reach, endRow) - 1;
-        for (; at < last; at += 2, src += 2 * rows.step) {
-            row[side - 1] = alongRow(src);
-            row[side] = alongRow(src + rows.step);
-            const Vec<Kpr8u> middle = shared();
-            sink.put(at - reach, lane, stretch, Rule::join(row[0], middle, row[side - 1]), part);
-            sink.put(at - reach + 1, lane, stretch, Rule::join(middle, row[side - 1], row[side]), part);
-            takeTurns<side - 1>([&](auto k) { row[k] = row[k + 2]; });
+        for (Kpr64s at = y - reach; at < end + reach;) {
+            takeRow(at++);
+            if (at != y + reach) continue;
+            // Two rows of results at a time share all source rows but two; fewer registers and pointers move, too.
+            const Kpr8u* src = rows[at] + byte;
+            for (; at < last; at += 2, src += 2 * rows.step) {
+                row[side - 1] = alongRow(src);
+                row[side] = alongRow(src + rows.step);
+                const Vec<Kpr8u> middle = shared();
+                sink.put(at - reach, lane, stretch, Rule::join(row[0], middle, row[side - 1]), part);
+                sink.put(at - reach + 1, lane, stretch, Rule::join(middle, row[side - 1], row[side]), part);
+                takeTurns<side - 1>([&](auto k) { row[k] = row[k + 2]; });
+            }
         }
-        for (; at < end + reach; ++at) takeRow(at);
     }
 
     const BitJob& job_;
-    BitSink<Put> sink_;
+    Sink sink_;
     BitSpan held_;
     Kpr64s beginRow_, endRow_;
     Vec<Kpr8u> outside_;

@@ -28,20 +28,21 @@ struct BitRuns {
     Place places[kMostPlaces];
     int kindCount, placeCount;  // no places if there are more of either than is held
 };
-void listRuns(Taps taps, int mostKinds, BitRuns& runs);
+void listRuns(const Taps& taps, int mostKinds, BitRuns& runs);
 
-template <typename Rule, typename Put>
+template <typename Rule>
 class BitWalk {
   public:
-    BitWalk(const BitJob& job, Window window, Taps taps, BitRows<const Kpr8u> other)
+    BitWalk(const BitJob& job, const Taps& taps)
         : job_(job),
-          window_(window),
+          window_(taps.plan.window),
           taps_(taps),
-          sink_(job, other),
-          lead_((window.left + sink_.before() + 7) >> 3),
-          length_(lead_ + sink_.bytes() + ((window.right + 7) >> 3) + 1),
-          lines_(reinterpret_cast<Kpr8u*>(job.work.first)) {
-        const Kpr64s lines = job.work.bytes / length_, rows = window.rows();
+          sink_(job),
+          lead_((window_.left + sink_.before() + 7) >> 3),
+          length_(lead_ + sink_.bytes() + ((window_.right + 7) >> 3) + 1) {
+        Workspace work = job.work;
+        const Kpr64s lines = work.left<Kpr8u>() / length_, rows = window_.rows();
+        lines_ = work.take<Kpr8u>(lines * length_);
         listRuns(taps, static_cast<int>(std::min<Kpr64s>((lines - 1) / rows, BitRuns::kMost)), runs_);
         if (runs_.placeCount > 0) {
             const Kpr64s kinds = runs_.kindCount;
@@ -61,7 +62,7 @@ class BitWalk {
                 listed ? enterRuns(entered, count) : enterSpans(entered);
                 entered += count;
             }
-            listed ? joinRuns(y, end) : joinSpans(y);
+            withSink(job_, [&](const auto& sink) { listed ? joinRuns(sink, y, end) : joinSpans(sink, y); });
         }
     }
 
@@ -125,8 +126,8 @@ class BitWalk {
 
     [[nodiscard]] Kpr8u* runLine(Kpr64s slot, int kind) const { return ring_ + (kind * slots_ + slot) * length_; }
 
-    void joinRuns(Kpr64s begin, Kpr64s end) const {
-        const BitSink<Put> sink = sink_;
+    template <typename Sink>
+    void joinRuns(Sink sink, Kpr64s begin, Kpr64s end) const {
         const int count = runs_.placeCount;
         const Kpr64s wrap = slots_ * length_;
         const Kpr8u* past[BitRuns::kMostPlaces];  // of the ring, for each place
@@ -165,9 +166,10 @@ class BitWalk {
         }
     }
 
-    void joinSpans(Kpr64s y) {
+    template <typename Sink>
+    void joinSpans(Sink sink, Kpr64s y) {
         Kpr8u* sum = lines_;
-        const Kpr64s bytes = sink_.bytes();
+        const Kpr64s bytes = sink.bytes();
         walkColumns<64>(bytes, [=](auto part, Kpr64s x) { store(sum + x, broadcast(Rule::kWeakest), part); });
         eachRun(taps_, [&](TapRun run) {
             int number = 0;
@@ -182,7 +184,7 @@ class BitWalk {
             }
         });
         walkColumns<64>(bytes,
-                        [&](auto part, Kpr64s x) { sink_.put(y, x, sink_.stretch(x), load(sum + x, part), part); });
+                        [&](auto part, Kpr64s x) { sink.put(y, x, sink.stretch(x), load(sum + x, part), part); });
     }
 
     // ---- lines: pixel 0 of the image is the first of byte `lead`, and the window's reach lies on both sides
@@ -251,8 +253,8 @@ class BitWalk {
 
     const BitJob& job_;
     Window window_;
-    Taps taps_;
-    BitSink<Put> sink_;
+    const Taps& taps_;
+    BitSink sink_;
     Kpr64s lead_, length_;
     Kpr64s batch_ = 1, slots_;
     Kpr8u* lines_;  // of the rows that are being taken in, then the ring of finished ones

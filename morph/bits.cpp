@@ -6,38 +6,12 @@ namespace n0::morph {
 
 Bytes bitWorkSize(Extents e) { return (Bytes{e.paddedWidth()} + e.width + 31) * e.paddedHeight() + 48; }
 
-void listRuns(Taps taps, int mostKinds, BitRuns& runs) {
-    runs.kindCount = runs.placeCount = 0;
-    bool holds = true;
-    const auto kindOf = [&](TapRun run) {
-        for (int k = 0; k < runs.kindCount; ++k) {
-            if (runs.kinds[k].column == run.column && runs.kinds[k].length == run.length) return k;
-        }
-        return -1;
-    };
-    eachRun(taps, [&](TapRun run) {
-        if (!holds || kindOf(run) >= 0) return;
-        holds = runs.kindCount < mostKinds;
-        if (!holds) return;
-        int k = runs.kindCount++;
-        for (; k > 0 && runs.kinds[k - 1].length > run.length; --k) runs.kinds[k] = runs.kinds[k - 1];
-        runs.kinds[k] = {run.column, run.length};
-    });
-    eachRun(taps, [&](TapRun run) {
-        holds = holds && runs.placeCount < BitRuns::kMostPlaces;
-        if (holds) runs.places[runs.placeCount++] = {run.row, kindOf(run)};
-    });
-    if (!holds) runs.placeCount = 0;
-}
-
 namespace {
 
-// One of the large interface's blocks serves these types too.
-template <typename Rule, typename Block>
-KprStatus process(const BitCall& call, const KprMorphState* spec) {
-    constexpr bool large = std::is_same_v<Block, Kpr64s>;
-    return (large ? largeCallHolds(InPlace::Refused, call, spec) : callHolds(InPlace::Refused, call, spec))
-               ?: bitExtremum<Rule>(call, tapsOf<Block>(spec));
+template <typename Rule>
+KprStatus extremum(const BitCall& call, const Taps& taps) {
+    makeBitExtremum<Rule>(bitJobOf<Rule>(call, taps), taps);
+    return kprStatusOk;
 }
 
 }  // namespace
@@ -69,31 +43,31 @@ KprStatus kpriMorphologyBorderInit_1u_C1R(KprSize roiSize, const Kpr8u* mask, Kp
 KprStatus kpriDilateBorder_1u_C1R(const Kpr8u* src, int srcStep, int srcBitOffset, Kpr8u* dst, int dstStep,
                                   int dstBitOffset, KprSize roiSize, KprBorderType borderType, Kpr8u borderValue,
                                   const KprMorphState* spec, Kpr8u* buffer) {
-    return process<BitDilation, Kpr32s>({src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize.width,
-                                         roiSize.height, borderType, &borderValue, buffer},
-                                        spec);
+    const BitCall call(src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, &borderValue,
+                       buffer);
+    return callHolds(InPlace::Refused, call, spec) ?: extremum<BitDilation>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriErodeBorder_1u_C1R(const Kpr8u* src, int srcStep, int srcBitOffset, Kpr8u* dst, int dstStep,
                                  int dstBitOffset, KprSize roiSize, KprBorderType borderType, Kpr8u borderValue,
                                  const KprMorphState* spec, Kpr8u* buffer) {
-    return process<BitErosion, Kpr32s>({src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize.width,
-                                        roiSize.height, borderType, &borderValue, buffer},
-                                       spec);
+    const BitCall call(src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiSize, borderType, &borderValue,
+                       buffer);
+    return callHolds(InPlace::Refused, call, spec) ?: extremum<BitErosion>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriDilate_1u_C1R_L(const Kpr8u* src, Kpr64s srcStep, int srcBitOffset, Kpr8u* dst, Kpr64s dstStep,
                               int dstBitOffset, Kpr64s roiWidth, Kpr64s roiHeight, KprBorderType borderType,
                               const Kpr8u* borderValue, const KprMorphState* spec, Kpr8u* buffer) {
-    return process<BitDilation, Kpr64s>(
-        {src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiWidth, roiHeight, borderType, borderValue, buffer},
-        spec);
+    const BitCall call(src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, KprSizeL{roiWidth, roiHeight},
+                       borderType, borderValue, buffer);
+    return largeCallHolds(InPlace::Refused, call, spec) ?: extremum<BitDilation>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriErode_1u_C1R_L(const Kpr8u* src, Kpr64s srcStep, int srcBitOffset, Kpr8u* dst, Kpr64s dstStep,
                              int dstBitOffset, Kpr64s roiWidth, Kpr64s roiHeight, KprBorderType borderType,
                              const Kpr8u* borderValue, const KprMorphState* spec, Kpr8u* buffer) {
-    return process<BitErosion, Kpr64s>(
-        {src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, roiWidth, roiHeight, borderType, borderValue, buffer},
-        spec);
+    const BitCall call(src, srcStep, srcBitOffset, dst, dstStep, dstBitOffset, KprSizeL{roiWidth, roiHeight},
+                       borderType, borderValue, buffer);
+    return largeCallHolds(InPlace::Refused, call, spec) ?: extremum<BitErosion>(call, tapsOf<Kpr64s>(spec));
 }

@@ -37,6 +37,8 @@ struct BitJob {
     Border border;
     Kpr8u fill;  // eight pixels of the constant border
     Workspace work;
+    Output output;               // no less than zero: neither is a bit
+    BitRows<const Kpr8u> other;  // the image of the differences; its first pixel is the ROI's
 
     [[nodiscard]] Axis rows() const { return rowsOf(height, border, LonePixel::Reflects); }
     [[nodiscard]] Axis columns() const { return columnsOf(width, border, LonePixel::Reflects); }
@@ -109,34 +111,14 @@ class BitReader {
     BitSpan held_;
 };
 
-// How a result v becomes a pixel: as it is, or in a difference with another image's pixel, of which less than zero is
-// zero.
-struct PlainBits {
-    static constexpr bool kReadsOther = false;
-    KPR_INLINE static Vec<Kpr8u> pixels(Vec<Kpr8u> v, Vec<Kpr8u>) { return v; }
-};
-
-struct BitsFromOther {  // other - v
-    static constexpr bool kReadsOther = true;
-    KPR_INLINE static Vec<Kpr8u> pixels(Vec<Kpr8u> v, Vec<Kpr8u> other) { return combine<0x30>(other, v, v); }
-};
-
-struct BitsLessOther {  // v - other
-    static constexpr bool kReadsOther = true;
-    KPR_INLINE static Vec<Kpr8u> pixels(Vec<Kpr8u> v, Vec<Kpr8u> other) { return combine<0x30>(v, other, other); }
-};
-
 // The rows of the destination, a byte of pixels a lane. Lane 0 is the byte that holds the first pixel; the pixels
 // beside the ROI in it and in the last one keep their values.
-template <typename Put>
 class BitSink {
   public:
-    BitSink(const BitJob& job, BitRows<const Kpr8u> other)
-        : rows_(job.dst.bytes),
-          other_(other.bytes),
-          before_(job.dst.bit & 7),
-          span_{before_, before_ + job.width},
-          read_(other.bit - before_, {other.bit, other.bit + job.width}) {
+    static constexpr bool kReadsOther = false;
+
+    explicit BitSink(const BitJob& job)
+        : rows_(job.dst.bytes), before_(job.dst.bit & 7), span_{before_, before_ + job.width} {
         rows_.first += job.dst.bit >> 3;
     }
 
@@ -155,17 +137,60 @@ class BitSink {
 
     KPR_INLINE void put(Kpr64s y, Kpr64s lane, const Stretch& stretch, Vec<Kpr8u> v, auto part) const {
         Kpr8u* dst = rows_[y] + lane;
-        if constexpr (Put::kReadsOther) v = Put::pixels(v, read_(other_[y], lane));
         if (!stretch.whole) v = selectBits(stretch.mask, v, load(dst, part));
         store(dst, v, part);
     }
 
   private:
     Rows<Kpr8u> rows_;
-    Rows<const Kpr8u> other_;
     Kpr64s before_;
     BitSpan span_;
-    BitReader read_;
 };
+
+// The same for differences with another image. It is a class of its own because reading that image takes more registers
+// than vectors of results have to spare.
+class BitDifferenceSink : public BitSink {
+  public:
+    static constexpr bool kReadsOther = true;
+
+    explicit BitDifferenceSink(const BitJob& job)
+        : BitSink(job),
+          other_(job.other.bytes),
+          byte_((job.other.bit - before()) >> 3),
+          shift_((job.other.bit - before()) & 7),
+          shifted_(((job.other.bit - before()) & 7) != 0),
+          held_{job.other.bit, job.other.bit + job.width},
+          otherLess_(job.output == Output::OtherLess) {}
+
+    struct Stretch : BitSink::Stretch {
+        Lanes here, next;  // of the other image's bytes, and one byte further
+    };
+    [[nodiscard]] KPR_INLINE Stretch stretch(Kpr64s lane) const {
+        return {BitSink::stretch(lane), held_.lanes(byte_ + lane), held_.lanes(byte_ + lane + 1)};
+    }
+
+    KPR_INLINE void put(Kpr64s y, Kpr64s lane, const Stretch& stretch, Vec<Kpr8u> v, auto part) const {
+        const Kpr8u* row = other_[y] + byte_ + lane;
+        Vec<Kpr8u> other = load(row, stretch.here);
+        if (shifted_) other = shift_(other, load(row + 1, stretch.next));
+        BitSink::put(y, lane, stretch, otherLess_ ? less(other, v) : less(v, other), part);
+    }
+
+  private:
+    KPR_INLINE static Vec<Kpr8u> less(Vec<Kpr8u> a, Vec<Kpr8u> b) { return combine<0x30>(a, b, b); }  // a & ~b
+
+    Rows<const Kpr8u> other_;
+    Kpr64s byte_;
+    PixelShift shift_;
+    bool shifted_;
+    BitSpan held_;
+    bool otherLess_;
+};
+
+// use(sink) with the one that the job's output wants.
+template <typename Use>
+KPR_INLINE void withSink(const BitJob& job, Use use) {
+    job.output == Output::Result ? use(BitSink(job)) : use(BitDifferenceSink(job));
+}
 
 }  // namespace n0::morph

@@ -1,11 +1,4 @@
-// Opening, closing, top-hat, black-hat and gradient. With D and E for dilation and erosion by the mask as given, D* and
-// E* by the mask turned by 180 degrees,
-//
-//     open      D*(E(s))                 top-hat     max(s - open, 0)
-//     close     E*(D(s))                 black-hat   max(close - s, 0)
-//     gradient  D(s) - E(s)
-//
-// The last stage writes the difference.
+// Opening, closing, top-hat, black-hat and gradient with 32-bit sizes and steps.
 #include "morph/compound.h"
 
 namespace n0::morph {
@@ -116,319 +109,279 @@ KprStatus kpriMorphAdvInit_32f_C4R(KprSize roiSize, const Kpr8u* mask, KprSize m
 KprStatus kpriMorphOpenBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                      KprBorderType borderType, Kpr8u borderValue, const KprMorphAdvState* spec,
                                      Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpenBorder_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                      KprBorderType borderType, const Kpr8u* borderValue, const KprMorphAdvState* spec,
                                      Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpenBorder_8u_C4R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                      KprBorderType borderType, const Kpr8u* borderValue, const KprMorphAdvState* spec,
                                      Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpenBorder_16u_C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
                                       KprBorderType borderType, Kpr16u borderValue, const KprMorphAdvState* spec,
                                       Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpenBorder_16s_C1R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
                                       KprBorderType borderType, Kpr16s borderValue, const KprMorphAdvState* spec,
                                       Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpenBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                       KprBorderType borderType, Kpr32f borderValue, const KprMorphAdvState* spec,
                                       Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpenBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                       KprBorderType borderType, const Kpr32f* borderValue, const KprMorphAdvState* spec,
                                       Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpenBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                       KprBorderType borderType, const Kpr32f* borderValue, const KprMorphAdvState* spec,
                                       Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphCloseBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                       KprBorderType borderType, Kpr8u borderValue, const KprMorphAdvState* spec,
                                       Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphCloseBorder_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                       KprBorderType borderType, const Kpr8u* borderValue, const KprMorphAdvState* spec,
                                       Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphCloseBorder_8u_C4R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                       KprBorderType borderType, const Kpr8u* borderValue, const KprMorphAdvState* spec,
                                       Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphCloseBorder_16u_C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, Kpr16u borderValue, const KprMorphAdvState* spec,
                                        Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphCloseBorder_16s_C1R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, Kpr16s borderValue, const KprMorphAdvState* spec,
                                        Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphCloseBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, Kpr32f borderValue, const KprMorphAdvState* spec,
                                        Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphCloseBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, const Kpr32f* borderValue,
                                        const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphCloseBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, const Kpr32f* borderValue,
                                        const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophatBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, Kpr8u borderValue, const KprMorphAdvState* spec,
                                        Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophatBorder_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, const Kpr8u* borderValue, const KprMorphAdvState* spec,
                                        Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophatBorder_8u_C4R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, const Kpr8u* borderValue, const KprMorphAdvState* spec,
                                        Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophatBorder_16u_C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
                                         KprBorderType borderType, Kpr16u borderValue, const KprMorphAdvState* spec,
                                         Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophatBorder_16s_C1R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
                                         KprBorderType borderType, Kpr16s borderValue, const KprMorphAdvState* spec,
                                         Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophatBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                         KprBorderType borderType, Kpr32f borderValue, const KprMorphAdvState* spec,
                                         Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophatBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                         KprBorderType borderType, const Kpr32f* borderValue,
                                         const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophatBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                         KprBorderType borderType, const Kpr32f* borderValue,
                                         const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhatBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                          KprBorderType borderType, Kpr8u borderValue, const KprMorphAdvState* spec,
                                          Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhatBorder_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                          KprBorderType borderType, const Kpr8u* borderValue,
                                          const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhatBorder_8u_C4R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                          KprBorderType borderType, const Kpr8u* borderValue,
                                          const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhatBorder_16u_C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, Kpr16u borderValue, const KprMorphAdvState* spec,
                                           Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhatBorder_16s_C1R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, Kpr16s borderValue, const KprMorphAdvState* spec,
                                           Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhatBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, Kpr32f borderValue, const KprMorphAdvState* spec,
                                           Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhatBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, const Kpr32f* borderValue,
                                           const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhatBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, const Kpr32f* borderValue,
                                           const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradientBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                          KprBorderType borderType, Kpr8u borderValue, const KprMorphAdvState* spec,
                                          Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradientBorder_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                          KprBorderType borderType, const Kpr8u* borderValue,
                                          const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradientBorder_8u_C4R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                          KprBorderType borderType, const Kpr8u* borderValue,
                                          const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                              borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradientBorder_16u_C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, Kpr16u borderValue, const KprMorphAdvState* spec,
                                           Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradientBorder_16s_C1R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, Kpr16s borderValue, const KprMorphAdvState* spec,
                                           Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Refused, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradientBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, Kpr32f borderValue, const KprMorphAdvState* spec,
                                           Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,      dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, &borderValue, 1,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
     return callHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradientBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, const Kpr32f* borderValue,
                                           const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 3,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
     return callHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradientBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                           KprBorderType borderType, const Kpr32f* borderValue,
                                           const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src,        srcStep,     dst, dstStep, roiSize.width, roiSize.height,
-                               borderType, borderValue, 4,   buffer};
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
     return callHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }

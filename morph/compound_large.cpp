@@ -75,279 +75,279 @@ KprStatus kpriMorphSetMode_L(int mode, KprMorphAdvState* spec) {
 KprStatus kpriMorphOpen_8u_C1R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                  Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                  const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: open(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpen_8u_C3R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                  Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                  const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
-    return compoundHolds(call, spec) ?: open(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCompoundHolds(call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpen_8u_C4R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                  Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                  const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
-    return compoundHolds(call, spec) ?: open(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCompoundHolds(call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpen_16u_C1R_L(const Kpr16u* src, Kpr64s srcStep, Kpr16u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                   Kpr64s roiHeight, KprBorderType borderType, const Kpr16u* borderValue,
                                   const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: open(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpen_16s_C1R_L(const Kpr16s* src, Kpr64s srcStep, Kpr16s* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                   Kpr64s roiHeight, KprBorderType borderType, const Kpr16s* borderValue,
                                   const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: open(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpen_32f_C1R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                   Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                   const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: open(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpen_32f_C3R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                   Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                   const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
-    return compoundHolds(call, spec) ?: open(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCompoundHolds(call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphOpen_32f_C4R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                   Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                   const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
-    return compoundHolds(call, spec) ?: open(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCompoundHolds(call, spec) ?: open(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphClose_8u_C1R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                   Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                   const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: close(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphClose_8u_C3R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                   Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                   const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
-    return compoundHolds(call, spec) ?: close(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCompoundHolds(call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphClose_8u_C4R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                   Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                   const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
-    return compoundHolds(call, spec) ?: close(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCompoundHolds(call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphClose_16u_C1R_L(const Kpr16u* src, Kpr64s srcStep, Kpr16u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                    Kpr64s roiHeight, KprBorderType borderType, const Kpr16u* borderValue,
                                    const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: close(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphClose_16s_C1R_L(const Kpr16s* src, Kpr64s srcStep, Kpr16s* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                    Kpr64s roiHeight, KprBorderType borderType, const Kpr16s* borderValue,
                                    const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: close(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphClose_32f_C1R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                    Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                    const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: close(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphClose_32f_C3R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                    Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                    const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
-    return compoundHolds(call, spec) ?: close(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCompoundHolds(call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphClose_32f_C4R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                    Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                    const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
-    return compoundHolds(call, spec) ?: close(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCompoundHolds(call, spec) ?: close(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophat_8u_C1R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                    Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                    const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophat_8u_C3R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                    Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                    const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
-    return compoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCompoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophat_8u_C4R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                    Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                    const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
-    return compoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCompoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophat_16u_C1R_L(const Kpr16u* src, Kpr64s srcStep, Kpr16u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                     Kpr64s roiHeight, KprBorderType borderType, const Kpr16u* borderValue,
                                     const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophat_16s_C1R_L(const Kpr16s* src, Kpr64s srcStep, Kpr16s* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                     Kpr64s roiHeight, KprBorderType borderType, const Kpr16s* borderValue,
                                     const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophat_32f_C1R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                     Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                     const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophat_32f_C3R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                     Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                     const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
-    return compoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCompoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphTophat_32f_C4R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                     Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                     const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
-    return compoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCompoundHolds(call, spec) ?: topHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhat_8u_C1R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                      Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                      const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhat_8u_C3R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                      Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                      const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
-    return compoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCompoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhat_8u_C4R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                      Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                      const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
-    return compoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCompoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhat_16u_C1R_L(const Kpr16u* src, Kpr64s srcStep, Kpr16u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr16u* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhat_16s_C1R_L(const Kpr16s* src, Kpr64s srcStep, Kpr16s* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr16s* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhat_32f_C1R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
-    return compoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCompoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhat_32f_C3R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
-    return compoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCompoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphBlackhat_32f_C4R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
-    return compoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCompoundHolds(call, spec) ?: blackHat(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradient_8u_C1R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                      Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                      const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
     return largeCallHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradient_8u_C3R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                      Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                      const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
     return largeCallHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradient_8u_C4R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                      Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                                      const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr8u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
     return largeCallHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradient_16u_C1R_L(const Kpr16u* src, Kpr64s srcStep, Kpr16u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr16u* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16u> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
     return largeCallHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradient_16s_C1R_L(const Kpr16s* src, Kpr64s srcStep, Kpr16s* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr16s* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr16s> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
     return largeCallHolds(InPlace::Refused, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradient_32f_C1R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer};
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
     return largeCallHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradient_32f_C3R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer};
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
     return largeCallHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }
 
 KprStatus kpriMorphGradient_32f_C4R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                       Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                       const KprMorphAdvState* spec, Kpr8u* buffer) {
-    const Call<Kpr32f> call = {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer};
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
     return largeCallHolds(InPlace::Served, call, spec) ?: gradient(call, tapsIn(spec));
 }

@@ -1,20 +1,31 @@
-// What the plans of dilation and erosion share: the images of a call and what lies around them, the way in which values
-// are joined, the way in which results are stored, and the carving of the work buffer.
+// What the plans of dilation and erosion share: the images of a call and what lies around them, how values are joined,
+// what is stored of the results, and lines in the work buffer.
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 #include "morph/structure.h"
 #include "primitives/axis.h"
 #include "primitives/rows.h"
+#include "primitives/workspace.h"
 
 namespace n0::morph {
 
-// Memory of a call's own.
-struct Workspace {
-    char* first;
-    Kpr64s bytes;
+// What is made of a result v: it is the pixel, or the pixel is a difference with that of another image. Negative
+// differences, which only borders can bring, are cut to zero where the rule says so.
+enum class Output {
+    Result,
+    OtherLess,        // max(other - v, 0)
+    LessOther,        // max(v - other, 0)
+    LessOtherSigned,  // v - other
+};
+
+// What is known of a source of floats.
+enum class Source {
+    Quiet,       // no signalling NaN has been met
+    Signalling,  // one may have been
 };
 
 template <typename T>
@@ -26,6 +37,9 @@ struct Job {
     Border border;
     T fill[4];  // of the constant border, one element a channel
     Workspace work;
+    Source source;
+    Output output;
+    Rows<const T> other;  // the image of the differences, row by row the ROI's
 
     [[nodiscard]] Axis rows() const { return rowsOf(height, border, LonePixel::Reflects); }
     [[nodiscard]] Axis columns() const { return columnsOf(width, border, LonePixel::Reflects); }
@@ -47,50 +61,35 @@ struct Erosion {
     KPR_INLINE static Vec<T> join(Vec<T> a, Vec<T> b) { return smaller(a, b); }
 };
 
+// A NaN as a quiet one, without an operation that a signalling one would trap in.
+template <typename T>
+constexpr T quiet(T value) {
+    if constexpr (std::is_floating_point_v<T>) {
+        const bool isNan = (std::bit_cast<unsigned>(value) & 0x7fffffff) > 0x7f800000;
+        return isNan ? std::numeric_limits<T>::quiet_NaN() : value;
+    }
+    return value;
+}
+
 // A value that disappears when it is joined to any other.
 template <typename Rule, typename T = typename Rule::Element>
 constexpr T neutral() {
     return std::is_floating_point_v<T> ? std::numeric_limits<T>::quiet_NaN() : Rule::kWeakest;
 }
 
+// Stores what the output is to be of results v. One kernel serves all outputs: the branch costs less than what a kernel
+// for each would add to the library.
 template <typename T>
-KPR_INLINE Vec<T> notNegative(Vec<T> v) {
-    if constexpr (std::is_unsigned_v<T>) return v;
-    return max(zero<T>(), v);
+KPR_INLINE void put(Output output, T* dst, const T* other, Vec<T> v, auto part) {
+    if (output != Output::Result) {
+        const Vec<T> o = load(other, part);
+        v = output == Output::OtherLess ? subtractSaturated(o, v) : subtractSaturated(v, o);
+        if constexpr (std::is_signed_v<T>) {
+            if (output != Output::LessOtherSigned) v = max(zero<T>(), v);
+        }
+    }
+    store(dst, v, part);
 }
-
-// How a result v becomes a pixel: as it is, or in a difference with another image's pixel. Negative differences, which
-// only borders can bring, are cut to zero where the rule says so.
-struct Plain {
-    template <typename T>
-    KPR_INLINE static void put(T* dst, const T*, Vec<T> v, auto part) {
-        store(dst, v, part);
-    }
-};
-
-struct FromOther {  // max(other - v, 0)
-    template <typename T>
-    KPR_INLINE static void put(T* dst, const T* other, Vec<T> v, auto part) {
-        store(dst, notNegative(subtractSaturated(load(other, part), v)), part);
-    }
-};
-
-struct LessOther {  // max(v - other, 0)
-    template <typename T>
-    KPR_INLINE static void put(T* dst, const T* other, Vec<T> v, auto part) {
-        store(dst, notNegative(subtractSaturated(v, load(other, part))), part);
-    }
-};
-
-struct LessOtherSigned {  // v - other
-    template <typename T>
-    KPR_INLINE static void put(T* dst, const T* other, Vec<T> v, auto part) {
-        store(dst, subtractSaturated(v, load(other, part)), part);
-    }
-};
-
-// What lines may need beside their own bytes to be aligned.
-inline constexpr Kpr64s kLinesSlack = 190;
 
 // Lines of `length` elements in a workspace. Where there is room for it, element `lead` of each lies at a multiple of
 // 64 bytes.
@@ -101,21 +100,21 @@ struct Lines {
     Kpr64s before = 0;  // elements of the workspace in front of the first line, in the same 64 bytes as its first
 
     explicit Lines(T* line) : first(line), stride(0) {}
-    Lines(Workspace work, Kpr64s count, Kpr64s length, Kpr64s lead)
-        : first(reinterpret_cast<T*>(upTo(work.first, sizeof(T)))), stride(length) {
-        constexpr Kpr64s lanes = kLanes<T>;
-        const Kpr64s even = (length + lanes - 1) / lanes * lanes;
-        const Kpr64s left = work.bytes - count * even * Kpr64s{sizeof(T)} - 126;
-        if (left < 0) return;
-        if (left >= 64) before = -lead & (lanes - 1);
-        first = reinterpret_cast<T*>(upTo(reinterpret_cast<char*>(first + before + lead), 64)) - lead;
-        stride = even;
+    Lines(Workspace work, Kpr64s count, Kpr64s length, Kpr64s lead) : stride(roundUp(length, kLanes<T>)) {
+        before = -lead & (kLanes<T> - 1);
+        first = work.takeIfHeld<T>(before + count * stride, 64);
+        if (first == nullptr) {
+            before = 0;
+            stride = length;
+            first = work.take<T>(count * length);
+        }
+        first += before;
     }
     KPR_INLINE T* operator[](Kpr64s i) const { return first + i * stride; }
 
-    static char* upTo(char* p, uintptr_t multiple) {
-        const auto address = reinterpret_cast<uintptr_t>(p);
-        return p + (((address + multiple - 1) & ~(multiple - 1)) - address);
+    // How many lines of that length a workspace holds, aligned.
+    static Kpr64s heldBy(const Workspace& work, Kpr64s length) {
+        return (work.left<T>(64) - kLanes<T>) / roundUp(length, kLanes<T>);
     }
 };
 

@@ -11,6 +11,8 @@
 
 #include "frame/checks.h"
 #include "primitives/rows.h"
+#include "primitives/sizes.h"
+#include "primitives/workspace.h"
 
 namespace n0::morph {
 namespace {
@@ -67,11 +69,8 @@ class Reconstruction {
   public:
     Reconstruction(Rows<const T> limit, Rows<T> marker, KprSize roi, Kpr8u* buffer, bool diagonals)
         : limit_(limit), marker_(marker), width_(roi.width), height_(roi.height), diagonals_(diagonals) {
-        // Of the four rows of the buffer one is used.
-        const uintptr_t past = reinterpret_cast<uintptr_t>(buffer) % 32;
-        Kpr8u* first = buffer + (past == 0 ? 0 : 32 - past);
-        wide_ = reinterpret_cast<T*>(first);
-        flags_ = first + 4 * ((width_ * Kpr64s{sizeof(T)} + 31) / 32 * 32);
+        // The rows in front of the flags are not used.
+        flags_ = alignedUp<Kpr8u>(buffer, 32) + 4 * roundUp(width_ * Kpr64s{sizeof(T)}, 32);
     }
 
     KprStatus run() {
@@ -114,32 +113,36 @@ class Reconstruction {
     // Brings one row to rest against the row before it, null for the first; true if it changed.
     bool visit(T* row, const T* before, const T* limit) {
         bool changed = false;
-        const auto join = [&](auto part, T* r, const T* l, const T* n) {
-            const Vec<T> old = load(r, part), next = Rule::hold(load(l, part), Rule::spread(load(n, part), old));
+        const auto join = [&](auto part, Kpr64s x, auto spreadTo) __attribute__((always_inline)) {
+            const Vec<T> old = load(row + x, part), next = Rule::hold(load(limit + x, part), spreadTo(old));
             changed |= Rule::moves(next, old);
-            store(r, next, part);
+            store(row + x, next, part);
         };
         if (before == nullptr) {
-            walkRow<kLanes<T>>(width_, join, row, limit, static_cast<const T*>(row));
+            walkColumns<kLanes<T>>(width_, [&](auto part, Kpr64s x) { join(part, x, [](Vec<T> old) { return old; }); });
         } else if (!diagonals_) {
-            walkRow<kLanes<T>>(width_, join, row, limit, before);
+            walkColumns<kLanes<T>>(width_, [&](auto part, Kpr64s x) {
+                join(part, x, [=](Vec<T> old) { return Rule::spread(load(before + x, part), old); });
+            });
         } else {
-            walkRow<kLanes<T>>(width_, join, row, limit, widened(before));
+            // Each neighbour is spread for itself: joined to one another first, a NaN would hide a number.
+            walkColumns<kLanes<T>>(width_, [&](auto part, Kpr64s x) {
+                const Vec<T> middle = load(before + x, part);
+                const Vec<T> left = load(before + x - 1, inRow(part, x - 1), middle);
+                const Vec<T> right = load(before + x + 1, inRow(part, x + 1), middle);
+                join(part, x,
+                     [=](Vec<T> old) { return Rule::spread(left, Rule::spread(right, Rule::spread(middle, old))); });
+            });
         }
         const bool forward = spreadForward(row, limit);
         const bool backward = spreadBackward(row, limit);
         return changed || forward || backward;
     }
 
-    // The extremum of three pixels around each of a row, in the buffer.
-    const T* widened(const T* row) {
-        const auto join = [](auto part, T* w, const T* a, const T* b) {
-            store(w, Rule::spread(load(a, part), load(b, part)), part);
-        };
-        walkRow<kLanes<T>>(width_ - 1, join, wide_, row + 1, row);
-        wide_[width_ - 1] = row[width_ - 1];
-        walkRow<kLanes<T>>(width_ - 1, join, wide_ + 1, row, static_cast<const T*>(wide_ + 1));
-        return wide_;
+    // Of lanes that begin at column x those that lie in the row.
+    [[nodiscard]] KPR_INLINE Lanes inRow(auto part, Kpr64s x) const {
+        const Lanes right = First{std::clamp(width_ - x, Kpr64s{0}, kLength)};
+        return part & (x < 0 ? Lanes{right.bits & ~Bits64{1}} : right);
     }
 
     // A value travels any distance along the row; so these are serial, but for vectors in which nothing would move.
@@ -177,14 +180,12 @@ class Reconstruction {
     Rows<T> marker_;
     Kpr64s width_, height_;
     bool diagonals_;
-    T* wide_;
     Kpr8u* flags_;
 };
 
 template <typename Rule, typename T>
 KprStatus reconstruct(const T* src, int srcStep, T* srcDst, int srcDstStep, KprSize roi, Kpr8u* buffer, int norm) {
-    KprStatus aligned = kprStatusOk;
-    if constexpr (sizeof(T) > 1) aligned = stepsAlign<T>(srcStep, srcDstStep);
+    const KprStatus aligned = sizeof(T) == 1 ? KprStatus{kprStatusOk} : stepsAlign<T>(srcStep, srcDstStep);
     return firstFailure(notNull(src, srcDst, buffer), roiHolds(roi), rowsFit<T>(roi.width, srcStep, srcDstStep),
                         aligned, failIf(norm != 0 && norm != 1, kprStatusBadArg))
                ?: Reconstruction<Rule, T>({src, srcStep}, {srcDst, srcDstStep}, roi, buffer, norm == 0).run();

@@ -59,7 +59,8 @@ void downColumns(const Job<T>& job, const Window& w, Kpr64s y, const Lines<T>& l
         });
 }
 
-// Makes of a line what the border has to say to it; `y` is its row.
+// Completes the line of row y, in which the columns that lie in memory have been joined: those beside them get what lies
+// outside, and where a row of the window lies above or below a constant border, the constant is joined to all.
 template <typename Rule, typename T>
 KPR_INLINE void addBorder(const Job<T>& job, const Window& w, const Pattern<T>& pattern, Kpr64s y, T* line) {
     const int channels = job.channels;
@@ -75,8 +76,18 @@ KPR_INLINE void addBorder(const Job<T>& job, const Window& w, const Pattern<T>& 
     }
 }
 
-template <typename Rule, typename Put, typename T>
-void largeRectangle(const Job<T>& job, Window w, Rows<const T> other) {
+// Between lines, floats are not to be signalling NaN: lines grow as one long line, and one that was left in the caller's
+// buffer would be taken for a pixel's.
+template <typename T>
+void clearGaps(const Lines<T>& lines, Kpr64s count, Kpr64s length) {
+    if constexpr (std::is_floating_point_v<T>) {
+        store(lines.first - lines.before, zero<T>(), First{lines.before});
+        for (Kpr64s i = 0; i < count; ++i) store(lines[i] + length, zero<T>(), First{lines.stride - length});
+    }
+}
+
+template <typename Rule, typename T>
+void largeRectangle(const Job<T>& job, Window w) {
     const int channels = job.channels;
     const Kpr64s left = w.left * channels, body = job.width * channels,
                  length = w.columns() * channels + body - channels;
@@ -84,10 +95,12 @@ void largeRectangle(const Job<T>& job, Window w, Rows<const T> other) {
     const Kpr64s results = std::min<Kpr64s>(std::bit_floor(static_cast<Bits64>(w.rows())), 16);
     // Whole groups of results, as many lines as the work buffer and the first cache have room for.
     const Kpr64s lineBytes = (length + kLanes<T>)*Kpr64s{sizeof(T)};
-    const Kpr64s room = std::min({(job.work.bytes - kLinesSlack) / lineBytes, kLinesBytes / lineBytes, Kpr64s{16}});
+    const Kpr64s room = std::min({Lines<T>::heldBy(job.work, length), kLinesBytes / lineBytes, Kpr64s{16}});
     const Kpr64s band = std::max(room / results, Kpr64s{1}) * results;
     const Lines<T> lines(job.work, band, length, left);
+    clearGaps(lines, band, length);
     const Pattern<T> pattern = outside<Rule>(job);
+    const Output output = job.output;
     for (Kpr64s y = 0; y < job.height; y += band) {
         const Kpr64s n = std::min(band, job.height - y);
         for (Kpr64s i = 0; i < n; i += results) {
@@ -104,9 +117,9 @@ void largeRectangle(const Job<T>& job, Window w, Rows<const T> other) {
                 walkRow<kLanes<T>>(
                     body,
                     [=](auto part, T* d, const T* o, const T* l) {
-                        Put::put(d, o, joinTaps<Rule, taps>(l, step, last, part), part);
+                        put(output, d, o, joinTaps<Rule, taps>(l, step, last, part), part);
                     },
-                    job.dst[y + i], other[y + i], static_cast<const T*>(lines[i]));
+                    job.dst[y + i], job.other[y + i], static_cast<const T*>(lines[i]));
             }
         });
     }
@@ -121,21 +134,22 @@ bool rectangleServes(const Job<T>& job, Window w) {
     return (w.left == w.right || (b.left && b.right)) && (w.top == w.bottom || (b.top && b.bottom));
 }
 
-template <typename Rule, typename Put, typename T>
-void rectangle(const Job<T>& job, Window w, Rows<const T> other) {
+template <typename Rule, typename T>
+void rectangle(const Job<T>& job, Window w) {
     const bool square = w.left == w.right && w.left == w.top && w.left == w.bottom;
     if (square && w.left == 0) {
+        const Output output = job.output;
         for (Kpr64s y = 0; y < job.height; ++y) {
             walkRow<kLanes<T>>(
                 job.width * job.channels,
-                [](auto part, T* d, const T* o, const T* s) { Put::put(d, o, load(s, part), part); }, job.dst[y],
-                other[y], job.src[y]);
+                [=](auto part, T* d, const T* o, const T* s) { put(output, d, o, load(s, part), part); }, job.dst[y],
+                job.other[y], job.src[y]);
         }
         return;
     }
-    if (square && w.left == 1) return smallMask<Rule, Put, 1, true>(job, {}, other);
-    if (square && w.left == 2) return smallMask<Rule, Put, 2, true>(job, {}, other);
-    largeRectangle<Rule, Put>(job, w, other);
+    if (square && w.left == 1) return smallMask<Rule, 1, true>(job, {});
+    if (square && w.left == 2) return smallMask<Rule, 2, true>(job, {});
+    largeRectangle<Rule>(job, w);
 }
 
 }  // namespace n0::morph

@@ -17,6 +17,13 @@ struct RowPair {
     Vec<T> upper[count], lower[count];
 };
 
+template <typename T, int count>
+KPR_INLINE RowPair<T, count> outsidePair(Vec<T> fill) {
+    RowPair<T, count> pair;
+    for (int i = 0; i < count; ++i) pair.upper[i] = pair.lower[i] = fill;
+    return pair;
+}
+
 template <typename Rule, int reach, bool full, typename T>
 KPR_INLINE auto joinColumns(const Vec<T>* v, Reaches reaches) {
     RowPair<T, full ? 1 : reach + 1> pair;
@@ -53,14 +60,15 @@ KPR_INLINE Vec<T> joinRow(const Vec<T> (&before)[count], const Vec<T> (&at)[coun
     return v;
 }
 
-template <typename Rule, typename Put, int reach, bool full, int channels, typename T>
-void smallMask(const Job<T>& job, Reaches reaches, Rows<const T> other) {
+template <typename Rule, int reach, bool full, int channels, typename T>
+void smallMask(const Job<T>& job, Reaches reaches) {
     constexpr Kpr64s lanes = kLanes<T>;
     constexpr int side = 2 * reach + 1, pixel = channels * int{sizeof(T)};
     constexpr Window w = {reach, reach, reach, reach};
     const Reach held = rowsHeld(job, w), across = columnsHeld(job, w);
     const Kpr64s length = job.width * channels, begin = across.begin * channels, end = across.end * channels;
     const Pattern<T> pattern = outside<Rule>(job);
+    const Output output = job.output;
 
     for (Kpr64s y = 0; y < job.height; y += 2) {
         const T* row[side + 1];
@@ -79,49 +87,59 @@ void smallMask(const Job<T>& job, Reaches reaches, Rows<const T> other) {
             return joinColumns<Rule, reach, full>(v, reaches);
         };
         const auto any = [&](Kpr64s x) __attribute__((always_inline)) {
-            if (all && x >= begin && x + lanes <= end) return inner(x);
             const Vec<T> fill = pattern.fromChannel((x + lanes * channels) % channels);
             const Kpr64s low = std::clamp(begin - x, Kpr64s{0}, lanes), high = std::clamp(end - x, low, lanes);
+            if (low == high) return outsidePair < T, full ? 1 : reach + 1 > (fill);
             const Bits64 part = First{high}.bits & ~First{low}.bits;
             Vec<T> v[side + 1];
-            for (int i = 0; i <= side; ++i) {
-                v[i] = fill;
-                if (part != 0) v[i] = load(row[i] + x, Lanes{part & rowHeld[i]}, fill);
-            }
+            for (int i = 0; i <= side; ++i) v[i] = load(row[i] + x, Lanes{part & rowHeld[i]}, fill);
             return joinColumns<Rule, reach, full>(v, reaches);
         };
         T *const upper = job.dst[y], *const lower = job.dst[y + 1];
-        const T *const upperOther = other[y], *const lowerOther = other[y + 1];
+        const T *const upperOther = job.other[y], *const lowerOther = job.other[y + 1];
         const bool both = y + 1 < job.height;
 
-        auto before = any(-lanes), at = any(0), after = at;
-        const auto put = [&](Kpr64s x, auto part) __attribute__((always_inline)) {
-            Put::put(upper + x, upperOther + x, joinRow<Rule, reach, pixel>(before.upper, at.upper, after.upper), part);
-            if (both)
-                Put::put(lower + x, lowerOther + x, joinRow<Rule, reach, pixel>(before.lower, at.lower, after.lower),
-                         part);
+        RowPair<T, full ? 1 : reach + 1> before = {}, at = {}, after;
+        const auto putPair = [&](Kpr64s x, auto part) __attribute__((always_inline)) {
+            put(output, upper + x, upperOther + x, joinRow<Rule, reach, pixel>(before.upper, at.upper, after.upper),
+                part);
+            if (!both) return;
+            put(output, lower + x, lowerOther + x, joinRow<Rule, reach, pixel>(before.lower, at.lower, after.lower),
+                part);
+        };
+        const auto shift = [&]() __attribute__((always_inline)) {
             before = at;
             at = after;
         };
+        // Results at x are joined when the columns of the next vector are. Each way of making columns stands here once
+        // or twice and no more, as its code is long.
+        const auto columns = [&](Kpr64s x) __attribute__((always_inline)) {
+            return all && x >= begin && x + lanes <= end ? inner(x) : any(x);
+        };
+        // The results at x are joined when the columns of the vector after it are made.
+        before = any(-lanes);
+        at = columns(0);
         Kpr64s x = 0;
         for (; all && x + 2 * lanes <= end && x + lanes <= length; x += lanes) {
             after = inner(x + lanes);
-            put(x, All{});
+            putPair(x, All{});
+            shift();
         }
         for (; x < length; x += lanes) {
-            after = any(x + lanes);
-            put(x, First{std::min(lanes, length - x)});
+            after = columns(x + lanes);
+            putPair(x, First{std::min(lanes, length - x)});
+            shift();
         }
     }
 }
 
-template <typename Rule, typename Put, int reach, bool full, typename T>
-void smallMask(const Job<T>& job, Reaches reaches, Rows<const T> other) {
+template <typename Rule, int reach, bool full, typename T>
+void smallMask(const Job<T>& job, Reaches reaches) {
     if constexpr (sizeof(T) != 2) {
-        if (job.channels == 3) return smallMask<Rule, Put, reach, full, 3>(job, reaches, other);
-        if (job.channels == 4) return smallMask<Rule, Put, reach, full, 4>(job, reaches, other);
+        if (job.channels == 3) return smallMask<Rule, reach, full, 3>(job, reaches);
+        if (job.channels == 4) return smallMask<Rule, reach, full, 4>(job, reaches);
     }
-    smallMask<Rule, Put, reach, full, 1>(job, reaches, other);
+    smallMask<Rule, reach, full, 1>(job, reaches);
 }
 
 }  // namespace n0::morph

@@ -1,12 +1,10 @@
 #include "morph/structure.h"
 
-#include <algorithm>
-
 namespace n0::morph {
 namespace {
 
 // The lists say 16-bit columns; a wider mask has none.
-Kpr16u* listTaps(Kpr16u* lists, Taps taps) {
+Kpr16u* listTaps(Kpr16u* lists, const Taps& taps) {
     if (taps.width > 0xffff) return nullptr;
     Kpr16u* end = lists;
     for (Kpr64s y = 0; y < taps.height; ++y) {
@@ -19,13 +17,85 @@ Kpr16u* listTaps(Kpr16u* lists, Taps taps) {
     return lists;
 }
 
+// Whether a mask's window is 3x3 or 5x5 and its rows are as told of Reaches, which it then fills.
+bool isSmall(const Taps& taps, Window w, Reaches& reaches) {
+    const Kpr64s reach = w.left;
+    if (reach < 1 || reach > 2 || w.right != reach || w.top != reach || w.bottom != reach) return false;
+    for (Kpr64s dy = -reach; dy <= reach; ++dy) {
+        Kpr64s run = -1, count = 0;
+        for (Kpr64s dx = -reach; dx <= reach; ++dx) count += taps.at(taps.reachX() + dx, taps.reachY() + dy) ? 1 : 0;
+        while (run < reach && taps.at(taps.reachX() - run - 1, taps.reachY() + dy) &&
+               taps.at(taps.reachX() + run + 1, taps.reachY() + dy)) {
+            ++run;
+        }
+        if (count != 2 * run + 1 + (run < 0 ? 1 : 0)) return false;
+        if (dy > 0 && (reaches.of[dy] != run || run > reaches.of[dy - 1])) return false;
+        reaches.of[dy < 0 ? -dy : dy] = static_cast<Kpr8s>(run);
+    }
+    return reaches.of[0] == reach;
+}
+
+// The span with which TapWalk makes the fewest loads, its own making included; 1 for none.
+Kpr8u bestSpan(const Taps& taps) {
+    constexpr Kpr64s kMost = 64;
+    Kpr64s best = 1, fewest = 0;
+    eachRun(taps, [&](TapRun run) { fewest += run.length; });
+    for (Kpr64s span = 2; span <= std::min(kMost, taps.width); ++span) {
+        // A row's copy, its spans and their stores count as loads too.
+        Kpr64s loads = 4;
+        for (Kpr64s held = 1; held < span; held *= 4) loads += 4;
+        eachRun(taps, [&](TapRun run) { loads += loadsOf(run.length, span); });
+        if (loads < fewest) {
+            fewest = loads;
+            best = span;
+        }
+    }
+    return static_cast<Kpr8u>(best);
+}
+
+MaskPlan planOf(const Taps& taps) {
+    Kpr64s left = taps.width, right = -taps.width, top = taps.height, bottom = -taps.height, count = 0;
+    eachRun(taps, [&](TapRun run) {
+        left = std::min(left, run.column);
+        right = std::max(right, run.column + run.length - 1);
+        top = std::min(top, run.row);
+        bottom = run.row;
+        count += run.length;
+    });
+    const bool single = taps.width == 1 && taps.height == 1;
+    if (count == 0 || single) return {MaskPlan::Copy, 1, {}, {}};
+    const bool holdsPixel = left <= 0 && right >= 0 && top <= 0 && bottom >= 0;
+    const bool full = count == (right - left + 1) * (bottom - top + 1);
+    const Window window = {std::max(-left, Kpr64s{0}), std::max(right, Kpr64s{0}), std::max(-top, Kpr64s{0}),
+                           std::max(bottom, Kpr64s{0})};
+    MaskPlan plan = {MaskPlan::Walk, bestSpan(taps), {}, window};
+    if (full && holdsPixel) {
+        plan.kind = MaskPlan::Rectangle;
+    } else if (isSmall(taps, window, plan.reaches)) {
+        plan.kind = MaskPlan::Small;
+    }
+    return plan;
+}
+
+// Where the plan lies. The room for it is the slack of 104 bytes and more in the stated sizes, of which the header
+// takes up to 40, the even address of the lists 1, and this alignment and that of the block 7 each.
+template <typename Extent>
+auto* planIn(const MorphState<Extent>& state) {
+    const Kpr64s width = state.paddedWidth, height = state.paddedHeight;
+    void* end = state.maskData + width * height;
+    if (state.tapOffsets != nullptr) end = state.tapOffsets + (width + 1) * height;
+    return alignedUp<MaskPlan>(end);
+}
+static_assert(sizeof(MorphState<Kpr32s>) + 1 + 7 + 7 + sizeof(MaskPlan) <= 104);
+static_assert(sizeof(MorphState<Kpr64s>) + 1 + 7 + 7 + sizeof(MaskPlan) <= 128);
+
 }  // namespace
 
 template <typename Extent>
 void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orientation turn, TapLists lists) {
     MorphState<Extent>& state = headerOf<MorphState<Extent>>(spec);
     auto* kept = reinterpret_cast<Kpr8u*>(&state + 1);
-    const Taps taps{kept, width | 1, height | 1};
+    const Taps taps{kept, width | 1, height | 1, {}};
     const Kpr64s total = taps.width * taps.height;
     // The zeros come in front; turning the whole by 180 degrees brings them to the end.
     const Kpr64s padX = taps.width - width, padY = taps.height - height;
@@ -43,67 +113,19 @@ void fillState(void* spec, const Kpr8u* mask, Kpr64s width, Kpr64s height, Orien
     state.anchorY = static_cast<Kpr32s>(height >> 1);
     auto* after = reinterpret_cast<Kpr16u*>(kept + total + (total & 1));
     state.tapOffsets = lists == TapLists::Kept ? listTaps(after, taps) : nullptr;
+    *planIn(state) = planOf(taps);
 }
 
 template <typename Extent>
 Taps tapsOf(const void* spec) {
     const MorphState<Extent>& state = headerOf<MorphState<Extent>>(spec);
-    return {state.maskData, state.paddedWidth, state.paddedHeight};
+    return {state.maskData, state.paddedWidth, state.paddedHeight, *planIn(state)};
 }
 
 template void fillState<Kpr32s>(void*, const Kpr8u*, Kpr64s, Kpr64s, Orientation, TapLists);
 template void fillState<Kpr64s>(void*, const Kpr8u*, Kpr64s, Kpr64s, Orientation, TapLists);
 template Taps tapsOf<Kpr32s>(const void*);
 template Taps tapsOf<Kpr64s>(const void*);
-
-namespace {
-
-// Whether a mask's window is 3x3 or 5x5 and its rows are as told of Reaches, which it then fills.
-bool isSmall(Taps taps, Window w, Reaches& reaches) {
-    const Kpr64s reach = w.left;
-    if (reach < 1 || reach > 2 || w.right != reach || w.top != reach || w.bottom != reach) return false;
-    for (Kpr64s dy = -reach; dy <= reach; ++dy) {
-        Kpr64s run = -1, count = 0;
-        for (Kpr64s dx = -reach; dx <= reach; ++dx) count += taps.at(taps.reachX() + dx, taps.reachY() + dy) ? 1 : 0;
-        while (run < reach && taps.at(taps.reachX() - run - 1, taps.reachY() + dy) &&
-               taps.at(taps.reachX() + run + 1, taps.reachY() + dy)) {
-            ++run;
-        }
-        if (count != 2 * run + 1 + (run < 0 ? 1 : 0)) return false;
-        if (dy > 0 && (reaches.of[dy] != run || run > reaches.of[dy - 1])) return false;
-        reaches.of[dy < 0 ? -dy : dy] = run;
-    }
-    return reaches.of[0] == reach;
-}
-
-}  // namespace
-
-Feature featureOf(Taps taps) {
-    Kpr64s left = taps.width, right = -1, top = taps.height, bottom = -1, count = 0;
-    for (Kpr64s y = 0; y < taps.height; ++y) {
-        Kpr64s first = 0, last = taps.width - 1, inRow = 0;
-        for (Kpr64s x = 0; x < taps.width; ++x) inRow += taps.at(x, y) ? 1 : 0;
-        if (inRow == 0) continue;
-        while (!taps.at(first, y)) ++first;
-        while (!taps.at(last, y)) --last;
-        left = std::min(left, first);
-        right = std::max(right, last);
-        top = std::min(top, y);
-        bottom = y;
-        count += inRow;
-    }
-    const bool single = taps.width == 1 && taps.height == 1;
-    if (count == 0 || single) return {Feature::Copy, {}, {}};
-    const Kpr64s x = taps.reachX(), y = taps.reachY();
-    const bool holdsPixel = left <= x && x <= right && top <= y && y <= bottom;
-    const bool full = count == (right - left + 1) * (bottom - top + 1);
-    const Window window = {std::max(x - left, Kpr64s{0}), std::max(right - x, Kpr64s{0}), std::max(y - top, Kpr64s{0}),
-                           std::max(bottom - y, Kpr64s{0})};
-    if (full && holdsPixel) return {Feature::Rectangle, window, {}};
-    Reaches reaches = {};
-    if (isSmall(taps, window, reaches)) return {Feature::Small, window, reaches};
-    return {Feature::Walk, window, {}};
-}
 
 Bytes stateSize(Extents e) {
     const Bytes w = e.paddedWidth(), h = e.paddedHeight();

@@ -4,41 +4,13 @@
 // given, at the end when it is turned by 180 degrees. The anchor is the centre of what is kept.
 #pragma once
 
-#include <type_traits>
+#include <algorithm>
+#include <bit>
 
+#include "primitives/simd.h"
 #include "primitives/sizes.h"
-#include "primitives/workspace.h"
 
 namespace n0::morph {
-
-// The kept mask, 0 or 255 a tap.
-struct Taps {
-    const Kpr8u* mask;
-    Kpr64s width;
-    Kpr64s height;
-
-    [[nodiscard]] Kpr64s reachX() const { return width >> 1; }
-    [[nodiscard]] Kpr64s reachY() const { return height >> 1; }
-    [[nodiscard]] bool at(Kpr64s x, Kpr64s y) const { return mask[y * width + x] != 0; }
-};
-
-// A run of taps, in the row and from the column that are told relative to the pixel.
-struct TapRun {
-    Kpr64s row, column, length;
-};
-
-// Calls visit(run) for each.
-template <typename Visit>
-void eachRun(Taps taps, Visit visit) {
-    for (Kpr64s y = 0; y < taps.height; ++y) {
-        for (Kpr64s x = 0; x < taps.width; ++x) {
-            if (!taps.at(x, y)) continue;
-            const Kpr64s begin = x;
-            while (x < taps.width && taps.at(x, y)) ++x;
-            visit(TapRun{y - taps.reachY(), begin - taps.reachX(), x - begin});
-        }
-    }
-}
 
 // Columns -left to right and rows -top to bottom around a pixel.
 struct Window {
@@ -52,18 +24,70 @@ struct Window {
 // above and below, reach to either side; -1 for a row without taps. No run reaches farther than one nearer to the
 // pixel.
 struct Reaches {
-    Kpr64s of[3];
+    Kpr8s of[3];
 };
 
-// What a mask asks for.
-struct Feature {
-    enum Plan { Copy, Rectangle, Small, Walk } plan;
-    Window window;    // the smallest that holds the pixel and all taps
+// How a mask is best worked on. It is found once, when the state block is filled.
+struct MaskPlan {
+    enum Kind : Kpr8u { Copy, Rectangle, Small, Walk } kind;
+    Kpr8u span;       // of TapWalk: how many pixels an element of its second ring joins, 1 for no such ring
     Reaches reaches;  // of a small mask
+    Window window;    // the smallest that holds the pixel and all taps
 };
-Feature featureOf(Taps taps);
 
-// The state block as it lies in the caller's memory; Extent is 32-bit, and 64-bit in large forms.
+// The kept mask, 0 or 255 a tap, and its plan.
+struct Taps {
+    const Kpr8u* mask;
+    Kpr64s width;
+    Kpr64s height;
+    MaskPlan plan;
+
+    [[nodiscard]] Kpr64s reachX() const { return width >> 1; }
+    [[nodiscard]] Kpr64s reachY() const { return height >> 1; }
+    [[nodiscard]] bool at(Kpr64s x, Kpr64s y) const { return mask[y * width + x] != 0; }
+};
+
+// A run of taps, in the row and from the column that are told relative to the pixel.
+struct TapRun {
+    Kpr64s row, column, length;
+};
+
+// Calls visit(run) for each. The taps of a row are looked at 64 at a time, as bits: a bit for each place, which the
+// ends of runs are counted out of.
+template <typename Visit>
+void eachRun(const Taps& taps, Visit visit) {
+    for (Kpr64s y = 0; y < taps.height; ++y) {
+        constexpr Kpr64s kNone = -1;
+        Kpr64s begin = kNone;  // of a run that is not at its end yet
+        const auto end = [&](Kpr64s x) {
+            visit(TapRun{y - taps.reachY(), begin - taps.reachX(), x - begin});
+            begin = kNone;
+        };
+        for (Kpr64s x = 0; x < taps.width; x += 64) {
+            const First part(std::min(taps.width - x, Kpr64s{64}));
+            const Bits64 set = loadMask<Kpr8u>(taps.mask + y * taps.width + x, part);
+            for (int i = 0; i < 64;) {
+                const Bits64 rest = set >> i;
+                if (begin != kNone) {
+                    i += std::countr_one(rest);
+                    if (i < 64) end(x + i);
+                } else {
+                    if (rest == 0) break;
+                    i += std::countr_zero(rest);
+                    begin = x + i;
+                }
+            }
+        }
+        if (begin != kNone) end(taps.width);
+    }
+}
+
+// The loads that TapWalk makes for a run where an element of its second ring joins `span` pixels; the last of them may
+// overlap the one before it.
+constexpr Kpr64s loadsOf(Kpr64s run, Kpr64s span) { return run < span ? run : (run + span - 1) / span; }
+
+// The state block as it lies in the caller's memory; Extent is 32-bit, and 64-bit in large forms. The mask follows it,
+// then the lists of taps, then the plan.
 template <typename Extent>
 struct MorphState {
     Kpr8u* maskData;

@@ -28,11 +28,6 @@ KprStatus init(KprSize roi, const Kpr8u* mask, KprSize maskSize, KprMorphState* 
     return status;
 }
 
-template <typename Rule, typename T = typename Rule::Element>
-KprStatus process(InPlace inPlace, const Call<T>& call, const KprMorphState* spec) {
-    return callHolds(inPlace, call, spec) ?: extremum<Rule>(call, tapsOf<Kpr32s>(spec));
-}
-
 }  // namespace
 }  // namespace n0::morph
 
@@ -114,127 +109,111 @@ KprStatus kpriMorphologyBorderInit_32f_C4R(KprSize roiSize, const Kpr8u* mask, K
 KprStatus kpriDilateBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                   KprBorderType borderType, Kpr8u borderValue, const KprMorphState* spec,
                                   Kpr8u* buffer) {
-    return process<Dilation<Kpr8u>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, &borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr8u>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriDilateBorder_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                   KprBorderType borderType, const Kpr8u* borderValue, const KprMorphState* spec,
                                   Kpr8u* buffer) {
-    return process<Dilation<Kpr8u>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, borderValue, 3, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr8u>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriDilateBorder_8u_C4R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                   KprBorderType borderType, const Kpr8u* borderValue, const KprMorphState* spec,
                                   Kpr8u* buffer) {
-    return process<Dilation<Kpr8u>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, borderValue, 4, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr8u>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriDilateBorder_16u_C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
                                    KprBorderType borderType, Kpr16u borderValue, const KprMorphState* spec,
                                    Kpr8u* buffer) {
-    return process<Dilation<Kpr16u>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, &borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr16u>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriDilateBorder_16s_C1R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
                                    KprBorderType borderType, Kpr16s borderValue, const KprMorphState* spec,
                                    Kpr8u* buffer) {
-    return process<Dilation<Kpr16s>>(
-        InPlace::Refused,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, &borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
+    return callHolds(InPlace::Refused, call, spec) ?: extremum<Dilation<Kpr16s>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriDilateBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                    KprBorderType borderType, Kpr32f borderValue, const KprMorphState* spec,
                                    Kpr8u* buffer) {
-    return process<Dilation<Kpr32f>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, &borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr32f>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriDilateBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                    KprBorderType borderType, const Kpr32f* borderValue, const KprMorphState* spec,
                                    Kpr8u* buffer) {
-    return process<Dilation<Kpr32f>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, borderValue, 3, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr32f>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriDilateBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                    KprBorderType borderType, const Kpr32f* borderValue, const KprMorphState* spec,
                                    Kpr8u* buffer) {
-    return process<Dilation<Kpr32f>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, borderValue, 4, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr32f>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriErodeBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                  KprBorderType borderType, Kpr8u borderValue, const KprMorphState* spec,
                                  Kpr8u* buffer) {
-    return process<Erosion<Kpr8u>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, &borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr8u>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriErodeBorder_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                  KprBorderType borderType, const Kpr8u* borderValue, const KprMorphState* spec,
                                  Kpr8u* buffer) {
-    return process<Erosion<Kpr8u>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, borderValue, 3, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr8u>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriErodeBorder_8u_C4R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
                                  KprBorderType borderType, const Kpr8u* borderValue, const KprMorphState* spec,
                                  Kpr8u* buffer) {
-    return process<Erosion<Kpr8u>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, borderValue, 4, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr8u>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriErodeBorder_16u_C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
                                   KprBorderType borderType, Kpr16u borderValue, const KprMorphState* spec,
                                   Kpr8u* buffer) {
-    return process<Erosion<Kpr16u>>(
-        InPlace::Refused,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, &borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
+    return callHolds(InPlace::Refused, call, spec) ?: extremum<Erosion<Kpr16u>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriErodeBorder_16s_C1R(const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
                                   KprBorderType borderType, Kpr16s borderValue, const KprMorphState* spec,
                                   Kpr8u* buffer) {
-    return process<Erosion<Kpr16s>>(
-        InPlace::Refused,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, &borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
+    return callHolds(InPlace::Refused, call, spec) ?: extremum<Erosion<Kpr16s>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriErodeBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                   KprBorderType borderType, Kpr32f borderValue, const KprMorphState* spec,
                                   Kpr8u* buffer) {
-    return process<Erosion<Kpr32f>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, &borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, &borderValue, 1, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr32f>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriErodeBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                   KprBorderType borderType, const Kpr32f* borderValue, const KprMorphState* spec,
                                   Kpr8u* buffer) {
-    return process<Erosion<Kpr32f>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, borderValue, 3, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 3, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr32f>>(call, tapsOf<Kpr32s>(spec));
 }
 
 KprStatus kpriErodeBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                   KprBorderType borderType, const Kpr32f* borderValue, const KprMorphState* spec,
                                   Kpr8u* buffer) {
-    return process<Erosion<Kpr32f>>(
-        InPlace::Served,
-        {src, srcStep, dst, dstStep, roiSize.width, roiSize.height, borderType, borderValue, 4, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, 4, buffer);
+    return callHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr32f>>(call, tapsOf<Kpr32s>(spec));
 }

@@ -19,11 +19,6 @@ KprStatus init(Extents e, const Kpr8u* mask, KprMorphState* spec) {
     return status;
 }
 
-template <typename Rule, typename T = typename Rule::Element>
-KprStatus process(InPlace inPlace, const Call<T>& call, const KprMorphState* spec) {
-    return largeCallHolds(inPlace, call, spec) ?: extremum<Rule>(call, tapsOf<Kpr64s>(spec));
-}
-
 }  // namespace
 }  // namespace n0::morph
 
@@ -63,111 +58,111 @@ KprStatus kpriErodeInit_L(Kpr64s roiWidth, Kpr64s roiHeight, const Kpr8u* mask, 
 KprStatus kpriDilate_8u_C1R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                               Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                               const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Dilation<Kpr8u>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr8u>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriDilate_8u_C3R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                               Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                               const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Dilation<Kpr8u>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr8u>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriDilate_8u_C4R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                               Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                               const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Dilation<Kpr8u>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr8u>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriDilate_16u_C1R_L(const Kpr16u* src, Kpr64s srcStep, Kpr16u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                Kpr64s roiHeight, KprBorderType borderType, const Kpr16u* borderValue,
                                const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Dilation<Kpr16u>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr16u>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriDilate_16s_C1R_L(const Kpr16s* src, Kpr64s srcStep, Kpr16s* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                Kpr64s roiHeight, KprBorderType borderType, const Kpr16s* borderValue,
                                const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Dilation<Kpr16s>>(
-        InPlace::Refused, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCallHolds(InPlace::Refused, call, spec) ?: extremum<Dilation<Kpr16s>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriDilate_32f_C1R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Dilation<Kpr32f>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr32f>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriDilate_32f_C3R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Dilation<Kpr32f>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr32f>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriDilate_32f_C4R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                                Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                                const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Dilation<Kpr32f>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Dilation<Kpr32f>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriErode_8u_C1R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                              Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                              const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Erosion<Kpr8u>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr8u>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriErode_8u_C3R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                              Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                              const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Erosion<Kpr8u>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr8u>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriErode_8u_C4R_L(const Kpr8u* src, Kpr64s srcStep, Kpr8u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                              Kpr64s roiHeight, KprBorderType borderType, const Kpr8u* borderValue,
                              const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Erosion<Kpr8u>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr8u>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriErode_16u_C1R_L(const Kpr16u* src, Kpr64s srcStep, Kpr16u* dst, Kpr64s dstStep, Kpr64s roiWidth,
                               Kpr64s roiHeight, KprBorderType borderType, const Kpr16u* borderValue,
                               const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Erosion<Kpr16u>>(
-        InPlace::Refused, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCallHolds(InPlace::Refused, call, spec) ?: extremum<Erosion<Kpr16u>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriErode_16s_C1R_L(const Kpr16s* src, Kpr64s srcStep, Kpr16s* dst, Kpr64s dstStep, Kpr64s roiWidth,
                               Kpr64s roiHeight, KprBorderType borderType, const Kpr16s* borderValue,
                               const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Erosion<Kpr16s>>(
-        InPlace::Refused, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCallHolds(InPlace::Refused, call, spec) ?: extremum<Erosion<Kpr16s>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriErode_32f_C1R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                               Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                               const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Erosion<Kpr32f>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 1, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 1, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr32f>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriErode_32f_C3R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                               Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                               const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Erosion<Kpr32f>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 3, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 3, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr32f>>(call, tapsOf<Kpr64s>(spec));
 }
 
 KprStatus kpriErode_32f_C4R_L(const Kpr32f* src, Kpr64s srcStep, Kpr32f* dst, Kpr64s dstStep, Kpr64s roiWidth,
                               Kpr64s roiHeight, KprBorderType borderType, const Kpr32f* borderValue,
                               const KprMorphState* spec, Kpr8u* buffer) {
-    return process<Erosion<Kpr32f>>(
-        InPlace::Served, {src, srcStep, dst, dstStep, roiWidth, roiHeight, borderType, borderValue, 4, buffer}, spec);
+    const Call call(src, srcStep, dst, dstStep, KprSizeL{roiWidth, roiHeight}, borderType, borderValue, 4, buffer);
+    return largeCallHolds(InPlace::Served, call, spec) ?: extremum<Erosion<Kpr32f>>(call, tapsOf<Kpr64s>(spec));
 }

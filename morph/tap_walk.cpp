@@ -1,13 +1,8 @@
 #include "morph/tap_walk.h"
 
 namespace n0::morph {
-namespace {
 
-constexpr Kpr64s loadsOf(Kpr64s run, Kpr64s span) { return run < span ? run : (run + span - 1) / span; }
-
-}  // namespace
-
-Kpr64s listLoads(Taps taps, Window window, Kpr64s span, int channels, Kpr64s skip, TapList& list) {
+Kpr64s listLoads(const Taps& taps, Window window, Kpr64s span, int channels, Kpr64s skip, TapList& list) {
     Kpr64s total = 0;
     eachRun(taps, [&](TapRun run) {
         const Kpr64s row = run.row + window.top, count = loadsOf(run.length, span);
@@ -22,23 +17,6 @@ Kpr64s listLoads(Taps taps, Window window, Kpr64s span, int channels, Kpr64s ski
         total += count;
     });
     return total;
-}
-
-Kpr64s bestSpan(Taps taps, Window window) {
-    constexpr Kpr64s kMost = 64;
-    Kpr64s best = 1, fewest = 0;
-    eachRun(taps, [&](TapRun run) { fewest += run.length; });
-    for (Kpr64s span = 2; span <= std::min(kMost, window.columns()); ++span) {
-        // A row's copy, its spans and their stores count as loads too.
-        Kpr64s loads = 4;
-        for (Kpr64s held = 1; held < span; held *= 4) loads += 4;
-        eachRun(taps, [&](TapRun run) { loads += loadsOf(run.length, span); });
-        if (loads < fewest) {
-            fewest = loads;
-            best = span;
-        }
-    }
-    return best;
 }
 
 }  // namespace n0::morph

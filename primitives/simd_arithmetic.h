@@ -102,8 +102,9 @@ KPR_INLINE Vec<T> max(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Kpr64f>) return vec(_mm512_max_pd(pd(a), pd(b)));
 }
 
-// The larger or the smaller value. Of floats a number counts before a NaN and +0 is larger than -0, so that the order
-// in which many are joined does not matter.
+// The larger or the smaller value. Of floats a number counts before a quiet NaN and +0 is larger than -0, so that the
+// order in which many are joined does not matter. A signalling NaN takes the number with it: simd_status.h has what
+// makes it quiet, and what tells that one was met.
 template <typename T>
 KPR_INLINE Vec<T> larger(Vec<T> a, Vec<T> b) {
     constexpr int maximum = 5;  // the greater of the two, its sign kept

@@ -31,25 +31,31 @@ void runAndCompare(Function function, KprDataType type, bool dilation, int norm,
                        reinterpret_cast<Kpr8u*>(buffer.data()), norm),
               kprStatusOk);
     EXPECT_EQ(before, limit.snapshot());
-    test::expectImage(marker,
-                      [&](int x, int y, int) { return expected[static_cast<std::size_t>(y * size.width + x)]; });
+    test::expectImage(marker, [&](int x, int y, int) {
+        const T wanted = expected[static_cast<std::size_t>(y * size.width + x)];
+        return wanted == marker.at(x, y) ? marker.at(x, y) : wanted;  // either zero
+    });
 }
 
 // Few levels, so that plateaus are large and paths long; some markers lie beyond the limit.
 template <typename T, typename Function>
 void check(Function function, KprDataType type, bool dilation) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
-        for (int norm : {0, 1}) {
+    for (KprSize size : test::allSizes()) {
+        const bool small = size.width * size.height < 9000;
+        for (int norm = small ? 0 : random.range(0, 1); norm <= 1; ++norm) {
             GuardedImage<T> limit(size, random), marker(size, random);
+            const bool wild = random.oneIn(2);
             const int walls = random.range(2, 6);
             limit.forEach([&](T& p) {
                 const int level = random.range(100, 104);
                 p = static_cast<T>(random.oneIn(walls) ? (dilation ? 3 : 201) : level);
+                if (wild && random.oneIn(20)) p = random.pixel<T>(true);
             });
             marker.forEach([&](T& p) {
                 const int seed = random.range(98, 106);
                 p = static_cast<T>(random.oneIn(30) ? seed : dilation ? 0 : 250);
+                if (wild && random.oneIn(40)) p = random.pixel<T>(true);
             });
             runAndCompare(function, type, dilation, norm, limit, marker);
             if (testing::Test::HasFailure()) return;
@@ -124,6 +130,47 @@ TEST(Reconstruct, NanStaysAndDoesNotSpread) {
     EXPECT_EQ(marker[2], 2);
     EXPECT_TRUE(std::isnan(marker[3]));
     EXPECT_EQ(marker[4], 0);
+}
+
+// Three numbers above, of which any but the middle one may be hidden.
+TEST(Reconstruct, NanHidesNoNumberBesideIt) {
+    for (const float nan : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::signaling_NaN()}) {
+        for (const bool dilation : {true, false}) {
+            const float seed = dilation ? 7.f : 1.f, rest = dilation ? 0.f : 9.f, wall = dilation ? 0.f : 9.f;
+            const float limit[2][5] = {{wall, 5, wall, wall, wall}, {wall, wall, 5, 5, wall}};
+            float marker[2][5] = {{rest, seed, nan, rest, rest}, {rest, rest, rest, rest, rest}};
+            Kpr8u buffer[512];
+            const auto function = dilation ? kpriMorphReconstructDilate_32f_C1IR : kpriMorphReconstructErode_32f_C1IR;
+            ASSERT_EQ(function(limit[0], 20, marker[0], 20, {5, 2}, buffer, 0), kprStatusOk);
+            EXPECT_TRUE(std::isnan(marker[0][2]));
+            EXPECT_EQ(marker[0][1], 5);
+            EXPECT_EQ(marker[1][2], 5);
+            EXPECT_EQ(marker[1][3], 5);
+            EXPECT_EQ(marker[1][4], wall);
+        }
+    }
+}
+
+// The largest ROIs whose buffers are told, and what is one more.
+TEST(Reconstruct, LargestBuffers) {
+    struct Limit {
+        KprDataType type;
+        KprSize roi;
+        int bytes;
+    };
+    static const Limit limits[] = {{kpr8u, {536870871, 2}, 0x7fffffff},
+                                   {kpr16u, {268435415, 2}, 0x7ffffffe},
+                                   {kpr32f, {134217717, 11}, 0x7fffffff},
+                                   {kpr64f, {67108858, 23}, 0x7fffffff}};
+    for (const Limit& limit : limits) {
+        int size = 0;
+        ASSERT_EQ(kpriMorphReconstructGetBufferSize(limit.roi, limit.type, 1, &size), kprStatusOk) << limit.type;
+        EXPECT_EQ(size, limit.bytes);
+        size = -1;
+        const KprSize more = {limit.roi.width, limit.roi.height + 1};
+        EXPECT_EQ(kpriMorphReconstructGetBufferSize(more, limit.type, 1, &size), kprStatusSizeOverflow) << limit.type;
+        EXPECT_EQ(size, -1);
+    }
 }
 
 TEST(Reconstruct, BufferSizes) {

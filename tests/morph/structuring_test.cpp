@@ -1,16 +1,19 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cfenv>
+#include <thread>
+#include <tuple>
+
 #include "tests/morph/morph_ground.h"
 
 namespace {
 
+using test::exactly;
 using test::GuardedBytes;
 using test::GuardedImage;
 using test::ImageInMemory;
 using test::Random;
-
-// Bytes of exactly the size told, at an address of no alignment.
-GuardedBytes exactly(Kpr64s size) { return {static_cast<std::size_t>(size), test::Guard::After}; }
 
 KprMorphState* block(const GuardedBytes& bytes) { return reinterpret_cast<KprMorphState*>(bytes.data()); }
 Kpr8u* buffer(const GuardedBytes& bytes) { return reinterpret_cast<Kpr8u*>(bytes.data()); }
@@ -19,14 +22,14 @@ Kpr8u* buffer(const GuardedBytes& bytes) { return reinterpret_cast<Kpr8u*>(bytes
 // by a second image, on what the first call gave: the same pixels must come out.
 template <typename T, int channels, typename Run>
 void checkOne(KprSize size, bool dilation, bool inPlaceServed, Random& random, Run run) {
-    const auto element = test::randomElement(random);
+    const auto element = test::elementFor(size, random);
     const KprBorderType word = test::randomBorder(random);
     ImageInMemory<T> src(size, word, element, channels, random);
     GuardedImage<T> dst(size, random, channels);
-    T values[4];
-    for (T& value : values) value = random.pixel<T>();
+    const test::BorderValues<T> values(channels, random);
     const auto before = src.snapshot();
-    ASSERT_EQ(run(src, dst.data(), dst.step(), size, element, test::sizedFor(size, random), word, values), kprStatusOk);
+    ASSERT_EQ(run(src, dst.data(), dst.step(), size, element, test::sizedFor(size, random), word, values.data()),
+              kprStatusOk);
     EXPECT_EQ(before, src.snapshot()) << "the source was written";
     const auto expected = [&](int x, int y, int c) {
         return reference::Stage<T>{dilation,  element, word,
@@ -36,7 +39,7 @@ void checkOne(KprSize size, bool dilation, bool inPlaceServed, Random& random, R
                  std::to_string(word));
     test::expectImage(dst, expected, channels);
     if (!inPlaceServed || testing::Test::HasFailure()) return;
-    ASSERT_EQ(run(src, src.data(), src.step(), size, element, size, word, values), kprStatusOk);
+    ASSERT_EQ(run(src, src.data(), src.step(), size, element, size, word, values.data()), kprStatusOk);
     for (int y = 0; y < size.height; ++y) {
         for (int x = 0; x < size.width * channels; ++x) {
             ASSERT_TRUE(test::same(src.at(x / channels, y, x % channels), dst.row(y)[x])) << "in place, row " << y;
@@ -47,8 +50,9 @@ void checkOne(KprSize size, bool dilation, bool inPlaceServed, Random& random, R
 template <typename T, int channels, typename Size, typename Init, typename Process>
 void checkBorder(Size getSize, Init init, Process process, bool dilation, bool inPlaceServed) {
     Random random;
-    for (KprSize size : test::awkwardSizes()) {
-        for (int i = 0; i < 3; ++i) {
+    for (KprSize size : test::sizesUpTo(channels == 1 ? 400000 : 40000)) {
+        const int rounds = size.width * size.height < 9000 ? 3 : 1;
+        for (int i = 0; i < rounds; ++i) {
             checkOne<T, channels>(size, dilation, inPlaceServed, random,
                                   [&](auto& src, T* dst, int dstStep, KprSize roi, auto& element, KprSize sizing,
                                       KprBorderType word, const T* values) {
@@ -160,6 +164,173 @@ TEST(Morphology, Large) {
     checkLarge<Kpr32f, 4>(kpr32f, kpriErode_32f_C4R_L, false, true);
 }
 
+// A block for a mask of bytes, and a work buffer.
+struct Prepared {
+    GuardedBytes spec, work;
+
+    Prepared(KprSize roi, KprSize maskSize, const std::vector<Kpr8u>& mask, bool floats = false)
+        : Prepared(sizesOf(roi, maskSize, floats)) {
+        const auto init = floats ? kpriMorphologyBorderInit_32f_C1R : kpriMorphologyBorderInit_8u_C1R;
+        EXPECT_EQ(init(roi, mask.data(), maskSize, block(spec), buffer(work)), kprStatusOk);
+    }
+
+  private:
+    explicit Prepared(std::pair<int, int> sizes) : spec(exactly(sizes.first)), work(exactly(sizes.second)) {}
+    static std::pair<int, int> sizesOf(KprSize roi, KprSize maskSize, bool floats) {
+        const auto getSize = floats ? kpriMorphologyBorderGetSize_32f_C1R : kpriMorphologyBorderGetSize_8u_C1R;
+        int specSize = 0, bufferSize = 0;
+        EXPECT_EQ(getSize(roi, maskSize, &specSize, &bufferSize), kprStatusOk);
+        return {specSize, bufferSize};
+    }
+};
+
+// A number counts before any NaN; and what the caller has in the floating-point status stays as it is, whatever the
+// library asks of it.
+TEST(Morphology, SignallingNanTakesNoNumberWithIt) {
+    const float signalling = std::numeric_limits<float>::signaling_NaN(),
+                quiet = std::numeric_limits<float>::quiet_NaN();
+    for (const KprSize maskSize : {KprSize{3, 1}, {3, 3}, {5, 5}, {15, 15}, {4, 3}}) {
+        for (const float nan : {signalling, quiet, -signalling}) {
+            for (const bool inPlace : {false, true}) {
+                const float src[] = {9, nan, 1, nan, nan, nan, nan, 4};
+                const KprSize size = {8, 1};
+                const std::vector<Kpr8u> mask(static_cast<std::size_t>(maskSize.width * maskSize.height), 1);
+                const Prepared prepared(size, maskSize, mask, true);
+                for (const bool dilation : {true, false}) {
+                    float dst[8];
+                    std::memcpy(dst, src, sizeof src);
+                    const auto process = dilation ? kpriDilateBorder_32f_C1R : kpriErodeBorder_32f_C1R;
+                    std::feclearexcept(FE_ALL_EXCEPT);
+                    feenableexcept(FE_INVALID);
+                    const KprStatus status = process(inPlace ? dst : src, 32, dst, 32, size, kprBorderReplicate, 0,
+                                                     block(prepared.spec), buffer(prepared.work));
+                    const bool traps = fegetexcept() == FE_INVALID, raised = std::fetestexcept(FE_INVALID) != 0;
+                    fedisableexcept(FE_INVALID);
+                    ASSERT_EQ(status, kprStatusOk);
+                    EXPECT_TRUE(traps && !raised);
+                    const reference::StructuringElement element{maskSize.width, maskSize.height, mask};
+                    for (int x = 0; x < 8; ++x) {
+                        const float expected = reference::Stage<float>{
+                            dilation, element, kprBorderReplicate, 0, size, [&](int i, int) { return src[i]; }}(x, 0);
+                        ASSERT_TRUE(test::same(dst[x], expected)) << "at " << x << ": " << dst[x];
+                    }
+                }
+            }
+        }
+    }
+}
+
+// The layout of a block is told to callers; a mask that is even gets its zeros in front.
+TEST(Morphology, BlockLayout) {
+    const std::vector<Kpr8u> even = {1, 0, 7, 0, 0, 2}, odd = {0, 1, 0, 255, 0, 1};
+    const Prepared small({20, 20}, {2, 3}, even), other({20, 20}, {3, 2}, odd);
+    test::expectBlock<Kpr32s>(small.spec.data(), {2, 3}, {0, 255, 0, 0, 255, 0, 0, 0, 255}, true);
+    test::expectBlock<Kpr32s>(other.spec.data(), {3, 2}, {0, 0, 0, 0, 255, 0, 255, 0, 255}, true);
+    Kpr64s specSize = 0;
+    ASSERT_EQ(kpriErodeGetSpecSize_L(20, 20, 2, 3, &specSize), kprStatusOk);
+    const GuardedBytes spec = exactly(specSize);
+    ASSERT_EQ(kpriErodeInit_L(20, 20, even.data(), 2, 3, block(spec)), kprStatusOk);
+    test::expectBlock<Kpr64s>(spec.data(), {2, 3}, {0, 255, 0, 0, 255, 0, 0, 0, 255}, true);
+    int bitSpec = 0, bitWork = 0;
+    ASSERT_EQ(kpriMorphologyBorderGetSize_1u_C1R({20, 20}, {2, 3}, &bitSpec, &bitWork), kprStatusOk);
+    const GuardedBytes bits = exactly(bitSpec), work = exactly(bitWork);
+    ASSERT_EQ(kpriMorphologyBorderInit_1u_C1R({20, 20}, even.data(), {2, 3}, block(bits), buffer(work)), kprStatusOk);
+    test::expectBlock<Kpr32s>(bits.data(), {2, 3}, {0, 255, 0, 0, 255, 0, 0, 0, 255}, false);
+
+    // Wider than a list's 16-bit columns can say: there is none, and the mask works all the same.
+    const int width = 65536;
+    std::vector<Kpr8u> wide(width, 0);
+    wide[width / 2 - 1] = wide[width / 2 + 3] = 1;
+    const Prepared prepared({40, 1}, {width, 1}, wide);
+    std::vector<Kpr8u> kept(width + 1, 0);
+    kept[width / 2] = kept[width / 2 + 4] = 255;
+    test::expectBlock<Kpr32s>(prepared.spec.data(), {width, 1}, kept, false);
+    Kpr8u src[40] = {}, dst[40] = {};
+    src[20] = 9;
+    ASSERT_EQ(kpriDilateBorder_8u_C1R(src, 40, dst, 40, {40, 1}, kprBorderReplicate, 0, block(prepared.spec),
+                                      buffer(prepared.work)),
+              kprStatusOk);
+    for (int x = 0; x < 40; ++x) EXPECT_EQ(dst[x], x == 20 || x == 16 ? 9 : 0) << x;
+}
+
+// Two threads with a buffer each share one block, which is read-only by then.
+TEST(Morphology, ThreadsShareABlock) {
+    Random random;
+    const KprSize size = {333, 97}, maskSize = {9, 7};
+    std::vector<Kpr8u> mask;
+    for (int i = 0; i < 63; ++i) mask.push_back(random.oneIn(3) ? 1 : 0);
+    const Prepared prepared(size, maskSize, mask);
+    const auto page = reinterpret_cast<std::uintptr_t>(prepared.spec.data()) / 4096 * 4096;
+    ASSERT_EQ(mprotect(reinterpret_cast<void*>(page), 4096, PROT_READ), 0);
+    GuardedImage<Kpr8u> src(size, random), once(size, random);
+    src.fill(random);
+    const auto run = [&](GuardedImage<Kpr8u>& dst, const GuardedBytes& work) {
+        return kpriErodeBorder_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), size, kprBorderMirror, 0,
+                                      block(prepared.spec), buffer(work));
+    };
+    ASSERT_EQ(run(once, prepared.work), kprStatusOk);
+    int specSize = 0, workSize = 0;
+    kpriMorphologyBorderGetSize_8u_C1R(size, maskSize, &specSize, &workSize);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 2; ++t) {
+        threads.emplace_back([&] {
+            Random own;
+            GuardedImage<Kpr8u> dst(size, own);
+            const GuardedBytes work = exactly(workSize);
+            for (int i = 0; i < 50; ++i) {
+                dst.forEach([](Kpr8u& p) { p = 0; });
+                ASSERT_EQ(run(dst, work), kprStatusOk);
+                for (int y = 0; y < size.height; ++y) ASSERT_EQ(std::memcmp(dst.row(y), once.row(y), 333), 0);
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+}
+
+// Rows beyond 2^31 bytes from the first, of the source and of the destination.
+TEST(Morphology, RowsBeyond2To31Bytes) {
+    constexpr Kpr64s step = Kpr64s{1} << 30;
+    const KprSize size = {70, 4};
+    const test::SparseBytes src(3 * step + 4096), dst(3 * step + 4096);
+    const auto at = [&](const test::SparseBytes& image, int x, int y) -> Kpr8u& {
+        return reinterpret_cast<Kpr8u&>(image.data()[y * step + x]);
+    };
+    Random random;
+    for (int y = 0; y < size.height; ++y) {
+        for (int x = 0; x < size.width; ++x) at(src, x, y) = random.pixel<Kpr8u>();
+    }
+    for (const int side : {3, 5, 9}) {
+        for (const bool full : {true, false}) {
+            reference::StructuringElement element{side, side, {}};
+            for (int i = 0; i < side * side; ++i) element.bytes.push_back(full || i % 3 == 0 ? 1 : 0);
+            const Prepared prepared(size, {side, side}, element.bytes);
+            Kpr8u* const from = &at(src, 0, 0);
+            Kpr8u* const to = &at(dst, 0, 0);
+            const reference::Stage<Kpr8u> stage{true, element, kprBorderReplicate,
+                                                0,    size,    [&](int x, int y) { return at(src, x, y); }};
+            const auto check = [&] {
+                for (int y = 0; y < size.height; ++y) {
+                    for (int x = 0; x < size.width; ++x) ASSERT_EQ(at(dst, x, y), stage(x, y)) << x << ", " << y;
+                }
+            };
+            ASSERT_EQ(kpriDilateBorder_8u_C1R(from, int{step}, to, int{step}, size, kprBorderReplicate, 0,
+                                              block(prepared.spec), buffer(prepared.work)),
+                      kprStatusOk);
+            check();
+            Kpr64s specSize = 0, workSize = 0;
+            kpriDilateGetSpecSize_L(size.width, size.height, side, side, &specSize);
+            kpriDilateGetBufferSize_L(size.width, size.height, side, side, kpr8u, 1, &workSize);
+            const GuardedBytes spec = exactly(specSize), work = exactly(workSize);
+            ASSERT_EQ(kpriDilateInit_L(size.width, size.height, element.bytes.data(), side, side, block(spec)),
+                      kprStatusOk);
+            ASSERT_EQ(kpriDilate_8u_C1R_L(from, step, to, step, size.width, size.height, kprBorderReplicate, nullptr,
+                                          block(spec), buffer(work)),
+                      kprStatusOk);
+            check();
+        }
+    }
+}
+
 // More loads than the list of them holds, which a mask of every other tap brings.
 TEST(Morphology, MaskOfManyRuns) {
     Random random;
@@ -205,6 +376,50 @@ TEST(Morphology, Sizes) {
     EXPECT_EQ(kpriErodeGetBufferSize_L(1, 1, 1, 1, kpr32s, 1, &workL), kprStatusBadDataType);
     EXPECT_EQ(kpriErodeGetBufferSize_L(1, 1, 1, 1, kpr1u, 2, &workL), kprStatusBadChannelCount);
     EXPECT_EQ(kpriDilateGetSpecSize_L(1, 1, 0, 1, &specL), kprStatusBadSize);
+}
+
+// The work buffer's stated size, from the formula written anew.
+Kpr64s workSize(KprSize roi, KprSize mask, int pixelBytes, int slack) {
+    const auto up = [](Kpr64s v) { return (v + 31) / 32 * 32; };
+    const Kpr64s w = roi.width, h = roi.height, W = mask.width | 1, H = mask.height | 1;
+    Kpr64s t = (W + w - 1) * (H + h - 1);
+    if (W < w && H < h) {
+        const Kpr64s rows = H - mask.height / 2 - 1 > 0 ? (W + w - 1) * (2 * H - mask.height / 2 - 2) : 0;
+        const Kpr64s columns = W - mask.width / 2 - 1 > 0 ? (H + h - 1) * (2 * W - mask.width / 2 - 2) : 0;
+        t = std::max(rows, columns);
+    }
+    return up(t * pixelBytes) + up(w * pixelBytes) * H + up(W * pixelBytes) + slack + 64;
+}
+
+// Both interfaces' sizes of a type, of masks as wide or as tall as the ROI and with a side of 1 among others.
+template <typename Size>
+void checkSizes(Size getSize, KprDataType type, int channels, int elementBytes) {
+    static const std::pair<KprSize, KprSize> cases[] = {
+        {{640, 480}, {5, 4}}, {{31, 40}, {31, 3}}, {{40, 6}, {3, 8}}, {{99, 50}, {1, 7}}, {{99, 50}, {6, 1}}};
+    for (const auto& [roi, mask] : cases) {
+        const Kpr64s W = mask.width | 1, H = mask.height | 1;
+        const Kpr64s expected = workSize(roi, mask, elementBytes * channels, 16 * elementBytes);
+        int spec = 0, work = 0;
+        ASSERT_EQ(getSize(roi, mask, &spec, &work), kprStatusOk);
+        EXPECT_EQ(spec, H * (3 * W + 2) + 104);
+        EXPECT_EQ(work, expected);
+        for (auto large : {kpriDilateGetBufferSize_L, kpriErodeGetBufferSize_L}) {
+            Kpr64s bytes = 0;
+            ASSERT_EQ(large(roi.width, roi.height, mask.width, mask.height, type, channels, &bytes), kprStatusOk);
+            EXPECT_EQ(bytes, expected);
+        }
+    }
+}
+
+TEST(Morphology, SizesOfEachType) {
+    checkSizes(kpriMorphologyBorderGetSize_8u_C1R, kpr8u, 1, 1);
+    checkSizes(kpriMorphologyBorderGetSize_8u_C3R, kpr8u, 3, 1);
+    checkSizes(kpriMorphologyBorderGetSize_8u_C4R, kpr8u, 4, 1);
+    checkSizes(kpriMorphologyBorderGetSize_16u_C1R, kpr16u, 1, 2);
+    checkSizes(kpriMorphologyBorderGetSize_16s_C1R, kpr16s, 1, 2);
+    checkSizes(kpriMorphologyBorderGetSize_32f_C1R, kpr32f, 1, 4);
+    checkSizes(kpriMorphologyBorderGetSize_32f_C3R, kpr32f, 3, 4);
+    checkSizes(kpriMorphologyBorderGetSize_32f_C4R, kpr32f, 4, 4);
 }
 
 // The statuses of the sizing and initialising calls of the 32-bit interface.

@@ -1,4 +1,4 @@
-// Oracles of morphology, a pixel at a time and a border index at a time.
+// Oracles of morphology, a pixel at a time.
 #pragma once
 
 #include <kprcv.h>
@@ -8,18 +8,9 @@
 #include <optional>
 #include <vector>
 
-namespace reference {
+#include "tests/reference/border.h"
 
-// The index that is read for index i of n; none for the border's constant.
-inline std::optional<int> borderIndex(unsigned base, int i, int n, bool memoryBefore, bool memoryAfter) {
-    const auto readable = [&](int k) { return (k >= 0 || memoryBefore) && (k < n || memoryAfter); };
-    if (readable(i)) return i;
-    if (base == kprBorderReplicate) return i < 0 ? 0 : n - 1;
-    if (base != kprBorderMirror) return std::nullopt;
-    if (n == 1 && !memoryBefore && !memoryAfter) return 0;
-    while (!readable(i)) i = i < 0 ? -i : 2 * (n - 1) - i;
-    return i;
-}
+namespace reference {
 
 // Of numbers the greater, +0 above -0; a NaN only if there is nothing else.
 template <typename T>
@@ -88,10 +79,7 @@ struct Stage {
         if (element.copies()) return at(x, y);
         std::optional<T> best;
         element.eachTap([&](int tapX, int tapY) {
-            const auto column = borderIndex(word & 15, x + tapX, size.width, (word & kprBorderInMemLeft) != 0,
-                                            (word & kprBorderInMemRight) != 0);
-            const auto row = borderIndex(word & 15, y + tapY, size.height, (word & kprBorderInMemTop) != 0,
-                                         (word & kprBorderInMemBottom) != 0);
+            const auto column = columnIndex(word, x + tapX, size.width), row = rowIndex(word, y + tapY, size.height);
             const T value = column && row ? at(*column, *row) : outside();
             best = !best ? value : dilation ? greater(*best, value) : lesser(*best, value);
         });
@@ -100,16 +88,19 @@ struct Stage {
 };
 
 // Reconstruction by dilation, or by erosion: the rule pixel by pixel until nothing changes. Both images are width x
-// height without gaps; no NaN.
+// height without gaps. A NaN is further than nothing and nothing is further than a NaN.
 template <typename T>
 void reconstruct(bool dilation, bool diagonals, KprSize size, const std::vector<T>& limit, std::vector<T>& marker) {
     const auto further = [&](T a, T b) { return dilation ? a > b : a < b; };
     for (std::size_t i = 0; i < marker.size(); ++i) {
         if (further(marker[i], limit[i])) marker[i] = limit[i];
     }
-    for (bool changed = true; changed;) {
+    const int count = size.width * size.height;
+    bool changed = true;
+    for (int pass = 0; changed; ++pass) {
         changed = false;
-        for (int i = 0; i < size.width * size.height; ++i) {
+        for (int n = 0; n < count; ++n) {
+            const int i = pass % 2 == 0 ? n : count - 1 - n;  // there and back, so that far ways are few passes
             const auto at = static_cast<std::size_t>(i);
             const int x = i % size.width, y = i / size.width;
             T value = marker[at];
@@ -122,8 +113,9 @@ void reconstruct(bool dilation, bool diagonals, KprSize size, const std::vector<
                 }
             }
             if (further(value, limit[at])) value = limit[at];
-            changed |= value != marker[at];
+            if (!further(value, marker[at])) continue;
             marker[at] = value;
+            changed = true;
         }
     }
 }
