@@ -205,60 +205,6 @@ class ByteTaps {
     PairWeights even_[kKept == 0 ? 1 : kKept], odd_[kKept == 0 ? 1 : kKept];
 };
 
-// Three taps k, 4096 - 2k, k: with x = a + c - 2b the result is b + k * x / 4096, one product in 16 bits. It rounds
-// half up; but a tie asks for a multiple of 2048 among k * x, which |x| below 512 does not give if k is no multiple
-// of 8.
-template <int channels>
-class CentredTaps {
-  public:
-    static constexpr bool kWalks = true;
-    static constexpr int kRadius = 1;
-    struct Row {
-        Vec<Kpr16s> lower, upper;
-    };
-
-    static bool serves(const Kpr16s* kernel, int kernelSize, int divisor) {
-        return divisor == 4096 && kernelSize == 3 && kernel[0] > 0 && kernel[0] < 2048 && kernel[0] % 8 != 0 &&
-               kernel[2] == kernel[0] && kernel[1] + 2 * kernel[0] == 4096;
-    }
-
-    explicit CentredTaps(Kpr16s outer)
-        : nearest_(broadcast(static_cast<Kpr16s>(outer * 8))), truncated_(broadcast(static_cast<Kpr16s>(outer * 16))) {}
-
-    template <typename Part, typename Nearest>
-    KPR_INLINE Row across(Part part, Nearest nearest, const Kpr8u* src) const {
-        const Vec<Kpr8u> a = loadOnce(src, part), c = loadOnce(src + Kpr64s{2} * channels, part);
-        const Row b = outside(load(src + channels, part));
-        const auto beside = [](Vec<Kpr8u> pairs) { return sumPairs(pairs, broadcast<Kpr8s>(1)); };
-        return {between(beside(interleaveLower(a, c)), b.lower, nearest, 0x00ff00ff00ff00ff),
-                between(beside(interleaveUpper(a, c)), b.upper, nearest, 0xff00ff00ff00ff00)};
-    }
-    KPR_INLINE Row outside(const Kpr8u* src) const { return outside(load(src, All{})); }
-
-    template <typename At>
-    KPR_INLINE Vec<Kpr8u> down(At row) const {
-        const Row a = row(Turn<0>{}), b = row(Turn<1>{}), c = row(Turn<2>{});
-        const Vec<Kpr16s> lower = between(a.lower + c.lower, b.lower, All{}, 0);
-        const Vec<Kpr16s> upper = between(a.upper + c.upper, b.upper, All{}, 0);
-        return join(as<Kpr16u>(lower), as<Kpr16u>(upper));
-    }
-
-  private:
-    KPR_INLINE static Row outside(Vec<Kpr8u> v) {
-        return {as<Kpr16s>(interleaveLower(v, zero<Kpr8u>())), as<Kpr16s>(interleaveUpper(v, zero<Kpr8u>()))};
-    }
-    KPR_INLINE Vec<Kpr16s> between(Vec<Kpr16s> beside, Vec<Kpr16s> b, All, Bits64) const {
-        return b + mulRounded(beside - (b + b), nearest_);
-    }
-    KPR_INLINE Vec<Kpr16s> between(Vec<Kpr16s> beside, Vec<Kpr16s> b, Lanes nearest, Bits64 pixels) const {
-        const Vec<Kpr16s> x = beside - (b + b);
-        const auto lanes = static_cast<Mask<Kpr16s>>(gatherBits(nearest.bits, pixels));
-        return b + select<Kpr16s>(lanes, mulRounded(x, nearest_), mulHigh(x, truncated_));
-    }
-
-    Vec<Kpr16s> nearest_, truncated_;
-};
-
 // One call for a row, which looks up the taps once. Every part begins with a whole vector of dst, and whole vectors are
 // stored, so that dst has room for its last one: a vector stored in part would not be at hand when it is read soon.
 template <int channels, typename Taps>

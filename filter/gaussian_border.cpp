@@ -7,6 +7,7 @@
 #include "filter/byte_gaussian.h"
 #include "filter/gaussian_block.h"
 #include "filter/taps.h"
+#include "filter/three_taps.h"
 #include "primitives/ring.h"
 
 namespace n0::filter {
@@ -89,8 +90,16 @@ template <int channels, typename T>
 KprStatus smoothIntegers(const Call<T>& call, const Kpr16s* kernel, int divisor) {
     return withSize(call.kernelSize, [&]<int size>() {
         if constexpr (sizeof(T) == 1) {
-            if (CentredTaps<channels>::serves(kernel, call.kernelSize, divisor))
-                return smoothBytes<channels>(call, CentredTaps<channels>(kernel[0]));
+            if constexpr (size == 3) {
+                const int k = kernel[0], d = kernel[1] + 2 * k - 4096;
+                if (divisor == 4096 && k == kernel[2] && k >= 0 && k < 2048 && kernel[1] >= 0) {
+                    if (MeanTaps<channels>::serves(k, d)) return smoothBytes<channels>(call, MeanTaps<channels>(k, d));
+                    if (TielessRounding::serves(k, d))
+                        return smoothBytes<channels>(call, ThreeTaps<channels, TielessRounding>(k, d));
+                    if (EvenRounding::serves(k, d))
+                        return smoothBytes<channels>(call, ThreeTaps<channels, EvenRounding>(k, d));
+                }
+            }
             BytePairs pairs;
             if (pairs.make(kernel, call.kernelSize, divisor))
                 return smoothBytes<channels>(call, ByteTaps<channels, size>(pairs, call.kernelSize));

@@ -91,7 +91,7 @@ class EdgedRows {
     [[nodiscard]] Kpr64s mostRows() const { return held_; }
 
   private:
-    static constexpr Kpr64s kOwnStrips = 16384 / sizeof(T), kMostRows = 32;
+    static constexpr Kpr64s kOwnStrips = 16384 / sizeof(T), kMostRows = 48;
 
     RowParts<T> parts(Kpr64s y, const T* strips) const {
         const Kpr64s step = stride_ * Kpr64s{sizeof(T)};

@@ -158,6 +158,9 @@ KPR_INLINE Vec<Kpr16s> mulRounded(Vec<Kpr16s> a, Vec<Kpr16s> b) {
     return vec<Kpr16s>(_mm512_mulhrs_epi16(bits(a), bits(b)));
 }
 
+// (a + b + 1) / 2, the sum being exact.
+KPR_INLINE Vec<Kpr8u> average(Vec<Kpr8u> a, Vec<Kpr8u> b) { return vec<Kpr8u>(_mm512_avg_epu8(bits(a), bits(b))); }
+
 // Correctly rounded; a NaN of what is below zero, and -0 of -0.
 KPR_INLINE Vec<Kpr32f> sqrt(Vec<Kpr32f> v) { return vec(_mm512_sqrt_ps(ps(v))); }
 

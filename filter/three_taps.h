@@ -1,0 +1,196 @@
+// Three taps k, 4096 + d - 2k, k of bytes, d being what rounding the taps left: -1, 0 or 1. With b the pixel in the
+// middle and x = a + c - 2b, of the two beside it,
+//
+//     (k * a + (4096 + d - 2k) * b + k * c) / 4096 = b + (k * x + d * b) / 4096
+//
+// so that one product in 16 bits, k * x / 4096 or what it leaves, tells the result. Pixels are taken as 32 even ones and
+// 32 odd ones.
+#pragma once
+
+#include <cstdint>
+
+#include "filter/byte_walk.h"
+
+namespace n0::filter {
+
+// 16-bit lanes of even and of odd columns.
+struct EvenOdd {
+    Vec<Kpr16s> even, odd;
+};
+
+KPR_INLINE Vec<Kpr16s> evenBytes(Vec<Kpr8u> v) { return as<Kpr16s>(v) & broadcast<Kpr16s>(0xff); }
+KPR_INLINE Vec<Kpr16s> oddBytes(Vec<Kpr8u> v) { return as<Kpr16s>(shiftRight<8>(as<Kpr16u>(v))); }
+
+// The low bytes of both in turn.
+KPR_INLINE Vec<Kpr8u> bytesOf(EvenOdd v) {
+    constexpr int secondWhereFirst = 0xca;  // a ? b : c
+    return as<Kpr8u>(combine<secondWhereFirst>(broadcast<Kpr16s>(0xff), v.even, shiftLeft<8>(v.odd)));
+}
+
+// The pixels b of 64 results and the x of their neighbourhoods.
+struct Neighbours {
+    EvenOdd b, x;
+};
+
+template <int channels, typename Part>
+KPR_INLINE Neighbours neighbours(Part part, const Kpr8u* src) {
+    const auto pairs = [](Vec<Kpr8u> v, int even, int odd) {  // even * its even byte + odd * its odd one
+        return sumPairs(v, as<Kpr8s>(broadcast(static_cast<Kpr16s>((even & 0xff) | odd * 256))));
+    };
+    const Vec<Kpr8u> a = loadOnce(src, channels == 1 ? oneMore(part) : part);
+    const Vec<Kpr8u> c = loadOnce(src + Kpr64s{2} * channels, part);
+    if constexpr (channels == 1) {
+        // Byte 1 of a is the pixel in the middle of the even result 0, byte 0 of c that of the odd result 1.
+        const EvenOdd b = {oddBytes(a), evenBytes(c)};
+        return {b, {pairs(a, 1, -2) + b.odd, pairs(c, -2, 1) + b.even}};
+    } else {
+        const Vec<Kpr8u> m = loadOnce(src + channels, part);
+        return {{evenBytes(m), oddBytes(m)},
+                {evenBytes(a) + evenBytes(c) + pairs(m, -2, 0), oddBytes(a) + oddBytes(c) + pairs(m, 0, -2)}};
+    }
+}
+
+// No product is half way between two results: d is 0, and |k * x| / 4096 with |x| below 512 has a half only where k is a
+// multiple of 8. One product that rounds half up is the result.
+class TielessRounding {
+  public:
+    TielessRounding(int k, int /*d*/)
+        : nearest_(broadcast(static_cast<Kpr16s>(8 * k))), truncated_(broadcast(static_cast<Kpr16s>(16 * k))) {}
+
+    static bool serves(int k, int d) { return d == 0 && k % 8 != 0; }
+
+    KPR_INLINE static Vec<Kpr16s> entered(Vec<Kpr16s> b) { return b; }
+    KPR_INLINE Vec<Kpr16s> operator()(Vec<Kpr16s> x, Vec<Kpr16s> b, All, Bits64) const {
+        return b + mulRounded(x, nearest_);
+    }
+    KPR_INLINE Vec<Kpr16s> operator()(Vec<Kpr16s> x, Vec<Kpr16s> b, Lanes nearest, Bits64 pixels) const {
+        const auto lanes = static_cast<Mask<Kpr16s>>(gatherBits(nearest.bits, pixels));
+        return b + select<Kpr16s>(lanes, mulRounded(x, nearest_), mulHigh(x, truncated_));
+    }
+
+  private:
+    Vec<Kpr16s> nearest_, truncated_;
+};
+
+// All others: b + floor(k * x / 4096), and one more where the rest of that division and d * b are more than a half
+// together, or a half and the result is odd. The rest is 16 times itself in a lane.
+class EvenRounding {
+  public:
+    EvenRounding(int k, int d)
+        : times16_(broadcast(static_cast<Kpr16s>(16 * k))), less16d_(broadcast(static_cast<Kpr16s>(-16 * d))), d_(d) {}
+
+    static bool serves(int /*k*/, int d) { return d >= -1 && d <= 1; }
+
+    // Pixels bear bit 15, of which 16 times a pixel knows nothing: the rest's sign is flipped by it below.
+    KPR_INLINE static Vec<Kpr16s> entered(Vec<Kpr16s> b) { return b | signBit(); }
+    KPR_INLINE Vec<Kpr16s> operator()(Vec<Kpr16s> x, Vec<Kpr16s> b, All, Bits64) const {
+        const Parts parts(*this, x, b);
+        return select<Kpr16s>(parts.up, parts.floor + broadcast<Kpr16s>(1), parts.floor);
+    }
+    // Elsewhere than at `nearest`, one more or less where the rest and d * b leave the division's range.
+    KPR_INLINE Vec<Kpr16s> operator()(Vec<Kpr16s> x, Vec<Kpr16s> b, Lanes nearest, Bits64 pixels) const {
+        const auto lanes = static_cast<Mask<Kpr16s>>(gatherBits(nearest.bits, pixels));
+        const Parts parts(*this, x, b);
+        const auto rest = as<Kpr16u>(parts.rest), less = as<Kpr16u>(parts.less16db);
+        const Mask<Kpr16s> out = d_ < 0 ? n0::less(rest, less) : n0::less(less - broadcast<Kpr16u>(1), rest);
+        const Vec<Kpr16s> truncated =
+            select<Kpr16s>(out, parts.floor + broadcast(static_cast<Kpr16s>(d_ < 0 ? -1 : 1)), parts.floor);
+        return select<Kpr16s>(parts.up & lanes, parts.floor + broadcast<Kpr16s>(1),
+                              select<Kpr16s>(lanes, parts.floor, truncated));
+    }
+
+  private:
+    KPR_INLINE static Vec<Kpr16s> signBit() { return broadcast<Kpr16s>(INT16_MIN); }
+
+    struct Parts {
+        Vec<Kpr16s> rest, floor, less16db;
+        Mask<Kpr16s> up;
+
+        KPR_INLINE Parts(const EvenRounding& by, Vec<Kpr16s> x, Vec<Kpr16s> b)
+            : rest(x * by.times16_), floor(b + mulHigh(x, by.times16_)), less16db(b * by.less16d_) {
+            // As signed lanes, rest - 32768 > -16 * d * b, where an odd floor counts the 1 that the rest never has.
+            constexpr int firstUnlessBoth = 0x78;  // a ^ (b & c)
+            const Vec<Kpr16s> n = combine<firstUnlessBoth>(rest, floor, broadcast<Kpr16s>(INT16_MIN + 1));
+            up = n0::less(less16db, n);
+        }
+    };
+
+    Vec<Kpr16s> times16_, less16d_;
+    int d_;
+};
+
+template <int channels, typename Rounding>
+class ThreeTaps {
+  public:
+    static constexpr bool kWalks = true;
+    static constexpr int kRadius = 1;
+    using Row = EvenOdd;
+
+    ThreeTaps(int k, int d) : rounding_(k, d) {}
+
+    template <typename Part, typename Nearest>
+    KPR_INLINE Row across(Part part, Nearest nearest, const Kpr8u* src) const {
+        const auto [b, x] = neighbours<channels>(part, src);
+        return {rounding_(x.even, Rounding::entered(b.even), nearest, 0x5555555555555555),
+                rounding_(x.odd, Rounding::entered(b.odd), nearest, 0xaaaaaaaaaaaaaaaa)};
+    }
+    KPR_INLINE Row outside(const Kpr8u* src) const {
+        const Vec<Kpr8u> v = load(src, All{});
+        return {Rounding::entered(evenBytes(v)), Rounding::entered(oddBytes(v))};
+    }
+    template <typename At>
+    KPR_INLINE Vec<Kpr8u> down(At row) const {
+        const Row &a = row(Turn<0>{}), &b = row(Turn<1>{}), &c = row(Turn<2>{});
+        const auto x = [](Vec<Kpr16s> above, Vec<Kpr16s> here, Vec<Kpr16s> below) {
+            return (above - here) + (below - here);
+        };
+        return bytesOf({rounding_(x(a.even, b.even, c.even), b.even, All{}, 0),
+                        rounding_(x(a.odd, b.odd, c.odd), b.odd, All{}, 0)});
+    }
+
+  private:
+    Rounding rounding_;
+};
+
+// k = 1024 and d = 0 or 1, the sums a + 2b + c of which d * b decides no more than the ties: all in bytes. With h the
+// mean of a and c rounded down, and e what that left, the sum is 2 * (h + b) + e, a tie where e is 0 and h + b odd.
+template <int channels>
+class MeanTaps {
+  public:
+    static constexpr bool kWalks = true;
+    static constexpr int kRadius = 1;
+    using Row = Vec<Kpr8u>;
+
+    MeanTaps(int /*k*/, int d) : lastTied_(broadcast(static_cast<Kpr8u>(d == 0 ? 255 : 0))) {}
+
+    static bool serves(int k, int d) { return k == 1024 && (d == 0 || d == 1); }
+
+    template <typename Part, typename Nearest>
+    KPR_INLINE Row across(Part part, Nearest nearest, const Kpr8u* src) const {
+        return mean(loadOnce(src, part), loadOnce(src + channels, part), load(src + Kpr64s{2} * channels, part),
+                    nearest);
+    }
+    KPR_INLINE Row outside(const Kpr8u* src) const { return load(src, All{}); }
+    template <typename At>
+    KPR_INLINE Vec<Kpr8u> down(At row) const {
+        return mean(row(Turn<0>{}), row(Turn<1>{}), row(Turn<2>{}), All{});
+    }
+
+  private:
+    template <typename Nearest>
+    KPR_INLINE Vec<Kpr8u> mean(Vec<Kpr8u> a, Vec<Kpr8u> b, Vec<Kpr8u> c, Nearest nearest) const {
+        using V = Vec<Kpr8u>;
+        const V one = broadcast<Kpr8u>(1);
+        const V left = a ^ c;
+        const V h = average(a, c) - (left & one);
+        const V up = average(h, b);
+        constexpr int tie = 0x0f & (0xcc ^ 0xaa), all = 0x80;  // ~a & (b ^ c), a & b & c
+        // Of more than d = 0 says, a tie is one only under a pixel of 0.
+        const V less = keep<Kpr8u>(~n0::less(lastTied_, b), combine<all>(combine<tie>(left, h, b), up, one));
+        return up - merge(nearest, less, (h ^ b) & one);
+    }
+
+    Vec<Kpr8u> lastTied_;
+};
+
+}  // namespace n0::filter
