@@ -7,6 +7,11 @@
 add_library(kprcv_objects OBJECT
     frame/cache.cpp
     frame/version.cpp
+    feature/fast.cpp
+    feature/hough.cpp
+    feature/hough_segments.cpp
+    feature/line_suppression.cpp
+    feature/peaks.cpp
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp
