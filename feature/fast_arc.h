@@ -54,8 +54,6 @@ KPR_INLINE Bytes64 reachOfPairs(Bytes64 a0, Bytes64 a1, Bytes64 b0, Bytes64 b1) 
 // Any circle and arc.
 class AnyArc {
   public:
-    static constexpr bool kScoresAnyway = false;
-
     explicit AnyArc(const Ring& ring) : ring_(ring) {}
 
     template <bool scored, typename Part>
@@ -68,8 +66,8 @@ class AnyArc {
         bright &= Bright::beyond(reachOfPairs<Bright>(a0, a1, b0, b1), high);
         dark &= Dark::beyond(reachOfPairs<Dark>(a0, a1, b0, b1), low);
         Found found = {0, 0, zero<Kpr8u>()};
-        if (bright != 0) found.bright = bright & arcs<Bright>(part, c, high);
-        if (dark != 0) found.dark = dark & arcs<Dark>(part, c, low);
+        if ((bright | dark) == 0) return found;
+        found = arcs(part, c, high, low, bright, dark);
         if constexpr (scored) {
             if (found.bright != 0) found.score = keep<Kpr8u>(found.bright, score<Bright>(part, c, centre));
             if (found.dark != 0) found.score = found.score | keep<Kpr8u>(found.dark, score<Dark>(part, c, centre));
@@ -78,39 +76,69 @@ class AnyArc {
     }
 
   private:
-    // Extrema or conjunctions over every stretch of `arc` elements of a circle, joined: stretches of powers of two are
-    // doubled as far as they go, and two of them make an arc. `circle` has room for half as many elements again.
-    template <typename T, typename Inner, typename Outer>
-    KPR_INLINE static T overArcs(T* circle, int n, int arc, Inner inner, Outer outer) {
+    // Words of 64 centres, eight to a vector; vectors may reach past a circle's end.
+    static constexpr int kWords = kLanes<Kpr64s>;
+    static constexpr int kRoom = kMostPoints + kMostPoints / 2 + 2 * kWords;
+
+    // Those of the candidates that have an arc: each point gives a word of either kind, and words are joined as a
+    // circle. Stretches of powers of two are doubled as far as they go, and two of them make an arc.
+    template <typename Part>
+    [[gnu::noinline]] Found arcs(Part part, const Kpr8u* c, Bytes64 high, Bytes64 low, Bits64 bright,
+                                 Bits64 dark) const {
+        alignas(64) Kpr64s brights[kRoom], darks[kRoom];
+        for (int i = 0; i < ring_.points; ++i) {
+            const Bytes64 point = loadOnce(c + ring_.offset[i], part);
+            brights[i] = static_cast<Kpr64s>(Bright::beyond(point, high));
+            darks[i] = static_cast<Kpr64s>(Dark::beyond(point, low));
+        }
+        Found found = {0, 0, zero<Kpr8u>()};
+        if (bright != 0) found.bright = bright & runsIn(brights);
+        if (dark != 0) found.dark = dark & runsIn(darks);
+        return found;
+    }
+
+    KPR_INLINE Bits64 runsIn(Kpr64s* circle) const {
+        using Words = Vec<Kpr64s>;
+        const int n = ring_.points;
+        const auto close = [&](int past) __attribute__((always_inline)) {
+            for (int i = 0; i < past; i += kWords) store(circle + n + i, load(circle + i, All{}), All{});
+        };
+        const auto both = [&](int i, int apart) __attribute__((always_inline)) {
+            return load(circle + i, All{}) & load(circle + i + apart, All{});
+        };
         int length = 1;
+        for (; 2 * length <= ring_.arc; length *= 2) {
+            close(length);
+            for (int i = 0; i < n; i += kWords) store(circle + i, both(i, length), All{});
+        }
+        const int rest = ring_.arc - length;
+        close(rest);
+        Words joined = zero<Kpr64s>();
+        int i = 0;
+        for (; i + kWords <= n; i += kWords) joined = joined | both(i, rest);
+        if (i < n) joined = joined | merge(First{n - i}, both(i, rest), zero<Kpr64s>());
+        return static_cast<Bits64>(firstLane(fold(joined, [](Words a, Words b) { return a | b; })));
+    }
+
+    // Extrema over every stretch of `arc` points, joined likewise.
+    template <typename Kind, typename Part>
+    [[gnu::noinline]] Bytes64 score(Part part, const Kpr8u* c, Bytes64 centre) const {
+        const int n = ring_.points;
+        Bytes64 circle[kMostPoints + kMostPoints / 2];
+        for (int i = 0; i < n; ++i) circle[i] = load(c + ring_.offset[i], part);
         const auto close = [&](int past) __attribute__((always_inline)) {
             for (int i = 0; i < past; ++i) circle[n + i] = circle[i];
         };
-        for (; 2 * length <= arc; length *= 2) {
+        int length = 1;
+        for (; 2 * length <= ring_.arc; length *= 2) {
             close(length);
-            for (int i = 0; i < n; ++i) circle[i] = inner(circle[i], circle[i + length]);
+            for (int i = 0; i < n; ++i) circle[i] = Kind::inner(circle[i], circle[i + length]);
         }
-        const int rest = arc - length;
+        const int rest = ring_.arc - length;
         close(rest);
-        T joined = inner(circle[0], circle[rest]);
-        for (int i = 1; i < n; ++i) joined = outer(joined, inner(circle[i], circle[i + rest]));
-        return joined;
-    }
-
-    template <typename Kind, typename Part>
-    [[gnu::noinline]] Bits64 arcs(Part part, const Kpr8u* c, Bytes64 end) const {
-        Bits64 circle[kMostPoints + kMostPoints / 2];
-        for (int i = 0; i < ring_.points; ++i) circle[i] = Kind::beyond(load(c + ring_.offset[i], part), end);
-        return overArcs(
-            circle, ring_.points, ring_.arc, [](Bits64 a, Bits64 b) { return a & b; },
-            [](Bits64 a, Bits64 b) { return a | b; });
-    }
-
-    template <typename Kind, typename Part>
-    [[gnu::noinline]] Bytes64 score(Part part, const Kpr8u* c, Bytes64 centre) const {
-        Bytes64 circle[kMostPoints + kMostPoints / 2];
-        for (int i = 0; i < ring_.points; ++i) circle[i] = load(c + ring_.offset[i], part);
-        return Kind::excess(overArcs(circle, ring_.points, ring_.arc, Kind::inner, Kind::outer), centre);
+        Bytes64 best = Kind::inner(circle[0], circle[rest]);
+        for (int i = 1; i < n; ++i) best = Kind::outer(best, Kind::inner(circle[i], circle[i + rest]));
+        return Kind::excess(best, centre);
     }
 
     Ring ring_;

@@ -14,7 +14,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "feature/hough.h"
+#include "feature/hough_tiles.h"
 
 namespace n0::feature {
 namespace {
@@ -81,16 +81,57 @@ struct Points {
     int height;
 };
 
-struct Angles {
-    const Kpr32s *sine, *cosine;
+// Votes one by one, for any resolution and window.
+class PointVoters {
+  public:
+    PointVoters(const Points& points, const Angles& angles, const Lines& lines, const Window& window)
+        : points_(points), angles_(angles), offset_(lines.offset), window_(window) {}
+
+    // Votes of `count` angles from `first` on. The counters of an angle begin `stride` behind those of the one before,
+    // and the last counter of all, which ends them, is for votes that do not count.
+    template <typename Counter>
+    [[gnu::noinline]] void vote(Kpr64s first, int count, Counter* counters, Kpr64s stride, Kpr64s nothing) const {
+        const First part(count);
+        const Vec<Kpr32s> sine = load(angles_.sine + first, part), cosine = load(angles_.cosine + first, part);
+        const Vec<Kpr32s> low = broadcast(static_cast<Kpr32s>(window_.low - offset_));
+        const auto range = broadcast(static_cast<unsigned>(window_.high - window_.low));
+        // From distances after the first one to the counters of each angle.
+        const Vec<Kpr32s> base = broadcast(static_cast<Kpr32s>(window_.low)) +
+                                 laneConstant<Kpr32s>([](int i) { return i; }) * broadcast(static_cast<Kpr32s>(stride));
+        const Vec<Kpr32s> nowhere = broadcast(static_cast<Kpr32s>(nothing));
+        const unsigned* point = points_.column;
+        for (int y = 0; y < points_.height; ++y) {
+            const unsigned* const end = points_.column + points_.end[y];
+            const Vec<Kpr32s> down = broadcast(y) * sine + broadcast(512);
+            for (; point != end; ++point) {
+                const Vec<Kpr32s> index = ((broadcast(static_cast<Kpr32s>(*point)) * cosine + down) >> 10) - low;
+                const auto counts = atMost(as<unsigned>(index), range);
+                const Spilled at(select(counts, index + base, nowhere));
+                if (count == kGroup) {
+                    takeTurns<kGroup>([&](auto i) __attribute__((always_inline)) { ++counters[at.lane[i]]; });
+                } else {
+                    for (int i = 0; i < count; ++i) ++counters[at.lane[i]];
+                }
+            }
+        }
+    }
+
+  private:
+    Points points_;
+    Angles angles_;
+    Kpr64s offset_;
+    Window window_;
 };
 
-// Counters: Kpr16u or Kpr32s. Rows have a zero on either side.
 template <typename Counter>
+struct CounterOf {};
+
+// Counters: Kpr16u or Kpr32s. Rows have a zero on either side, and there is one counter more for votes for nothing.
+template <typename Counter, typename Voters>
 class Voting {
   public:
-    Voting(const Points& points, const Angles& angles, const Lines& lines, const Window& window, Workspace memory)
-        : points_(points), angles_(angles), lines_(lines), window_(window), stride_(lines.distances + 2) {
+    Voting(CounterOf<Counter>, const Voters& voters, const Lines& lines, const Window& window, Workspace memory)
+        : voters_(voters), window_(window), stride_(lines.distances + 2) {
         const Kpr64s room = memory.left<Counter>() - 1;
         group_ = static_cast<int>(std::min({Kpr64s{kGroup}, room / stride_ - 2, 0x7fffffff / stride_ - 2}));
         counters_ = memory.take<Counter>((group_ + 2) * stride_ + 1);
@@ -101,7 +142,7 @@ class Voting {
         for (Kpr64s first = window_.first; first <= window_.last; first += group_) {
             const auto count = static_cast<int>(std::min<Kpr64s>(group_, window_.last - first + 1));
             clear(2, count);
-            vote(first, count);
+            voters_.vote(first, count, row(2) + 1, stride_, group_ * stride_ - 1);
             for (int i = 0; i < count; ++i) findPeaks(first - 1 + i, i + 1, threshold, list);
             __builtin_memmove(row(0), row(count), static_cast<std::size_t>(2 * stride_) * sizeof(Counter));
         }
@@ -115,35 +156,6 @@ class Voting {
 
     void clear(int first, int rows) const {
         __builtin_memset(row(first), 0, static_cast<std::size_t>(rows * stride_) * sizeof(Counter));
-    }
-
-    [[gnu::noinline]] void vote(Kpr64s first, int count) const {
-        const First part(count);
-        const Vec<Kpr32s> sine = load(angles_.sine + first, part), cosine = load(angles_.cosine + first, part);
-        const Vec<Kpr32s> low = broadcast(static_cast<Kpr32s>(window_.low - lines_.offset));
-        const auto range = broadcast(static_cast<unsigned>(window_.high - window_.low));
-        // From distances after the first one to the counters of each angle.
-        const Vec<Kpr32s> base =
-            broadcast(static_cast<Kpr32s>(1 + window_.low)) +
-            (laneConstant<Kpr32s>([](int i) { return i + 2; }) * broadcast(static_cast<Kpr32s>(stride_)));
-        const Vec<Kpr32s> nowhere = broadcast(static_cast<Kpr32s>((group_ + 2) * stride_));
-        Counter* const counters = counters_;
-        const unsigned* point = points_.column;
-        for (int y = 0; y < points_.height; ++y) {
-            const unsigned* const end = points_.column + points_.end[y];
-            const Vec<Kpr32s> down = broadcast(y) * sine + broadcast(512);
-            for (; point != end; ++point) {
-                const Vec<Kpr32s> index = ((broadcast(static_cast<Kpr32s>(*point)) * cosine + down) >> 10) - low;
-                const auto counts = atMost(as<unsigned>(index), range);
-                alignas(64) unsigned at[kGroup];
-                store(at, as<unsigned>(select(counts, index + base, nowhere)), All{});
-                if (count == kGroup) {
-                    takeTurns<kGroup>([&](auto i) __attribute__((always_inline)) { ++counters[at[i]]; });
-                } else {
-                    for (int i = 0; i < count; ++i) ++counters[at[i]];
-                }
-            }
-        }
     }
 
     // Of one angle, in row i.
@@ -168,9 +180,7 @@ class Voting {
         });
     }
 
-    Points points_;
-    Angles angles_;
-    Lines lines_;
+    Voters voters_;
     Window window_;
     Kpr64s stride_;
     int group_;
@@ -189,6 +199,17 @@ KprStatus findLines(Rows<const Kpr8u> src, KprSize roi, KprRhoTheta delta, const
         sine[i] = static_cast<Kpr32s>(kprsSinOne(theta) * scale);
         cosine[i] = static_cast<Kpr32s>(kprsCosOne(theta) * scale);
     }
+    const Angles angles = {sine, cosine};
+    const bool whole = window.low == 0 && window.high == all.distances - 1;
+    if (whole && tilesServe(roi, all, angles)) {
+        Workspace behind = memory;
+        const Tiles tiles(src, roi, behind.take<Tile>(0));
+        if (tiles.points <= 0xffff) {
+            static_cast<void>(memory.take<Tile>(tiles.end - tiles.begin));
+            Voting(CounterOf<Kpr16u>{}, TileVoters(tiles, angles, all), all, window, memory).run(threshold, &list);
+            return list.finish(delta, all.offset, lines, lineCount);
+        }
+    }
     auto* const end = memory.take<Kpr32s>(roi.height);
     Workspace behind = memory;
     auto* const column = behind.take<unsigned>(0);
@@ -199,11 +220,11 @@ KprStatus findLines(Rows<const Kpr8u> src, KprSize roi, KprRhoTheta delta, const
         end[y] = static_cast<Kpr32s>(count);
     }
     static_cast<void>(memory.take<unsigned>(count));
-    const Points points = {column, end, roi.height};
+    const PointVoters voters({column, end, roi.height}, angles, all, window);
     if (count <= 0xffff)
-        Voting<Kpr16u>(points, {sine, cosine}, all, window, memory).run(threshold, &list);
+        Voting(CounterOf<Kpr16u>{}, voters, all, window, memory).run(threshold, &list);
     else
-        Voting<Kpr32s>(points, {sine, cosine}, all, window, memory).run(threshold, &list);
+        Voting(CounterOf<Kpr32s>{}, voters, all, window, memory).run(threshold, &list);
     return list.finish(delta, all.offset, lines, lineCount);
 }
 

@@ -27,6 +27,34 @@ KPR_INLINE Kpr64s storePacked(T* dst, Vec<T> v, Mask<T> lanes) {
     return count;
 }
 
+// The lanes in memory, from where each is read by itself: GCC would take them out of the vector, by two operations each
+// that compete with those of vectors.
+struct Spilled {
+    alignas(64) unsigned lane[16];
+    KPR_INLINE explicit Spilled(Vec<Kpr32s> v) {
+        store(lane, as<unsigned>(v), All{});
+        asm("" : "+m"(lane));
+    }
+};
+
+// counters[i] += bytes[i] for sixteen of them.
+KPR_INLINE void addSixteen(Kpr16u* counters, const Kpr8u* bytes) {
+    const __m256i more = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes)));
+    auto* const at = reinterpret_cast<__m256i*>(counters);
+    _mm256_storeu_si256(at, _mm256_add_epi16(_mm256_loadu_si256(at), more));
+}
+
+// The eight lower or upper lanes, none of them negative, as 64-bit lanes.
+template <int which>
+KPR_INLINE Vec<Bits64> widenHalf(Vec<Kpr32s> v) {
+    return vec<Bits64>(_mm512_cvtepu32_epi64(_mm512_extracti64x4_epi64(bits(v), which)));
+}
+
+// Each lane moved up by as many bits as the same lane of the counts says.
+KPR_INLINE Vec<Bits64> shiftUp(Vec<Bits64> v, Vec<Bits64> counts) {
+    return vec<Bits64>(_mm512_sllv_epi64(bits(v), bits(counts)));
+}
+
 // The exact products of the even 32-bit lanes, or of the odd ones: unsigned modulo 2^64.
 template <int odd>
 KPR_INLINE Vec<Bits64> multiplyLong(Vec<unsigned> a, Vec<unsigned> b) {
