@@ -2,8 +2,7 @@
 // of them has enough votes, the edge is followed from the point along that line.
 //
 // What is drawn and in which order decides the result: generator, replacement and the votes taken back are those of
-// the header. Sixteen angles vote at a time; their counters lie in different rows, so that they are read and written
-// together.
+// the header. The counters of sixteen angles are found at a time.
 #include <algorithm>
 #include <bit>
 
@@ -56,16 +55,45 @@ class Bitmap {
     KprSize roi_;
 };
 
+// How counters lie in memory. Points come from anywhere, so that nearly every vote reads and writes a line of the cache
+// anew. With counters of 16 bits, blocks of sixteen distances of two neighbouring angles share one: such angles mostly
+// vote for neighbouring distances.
+template <typename Counter>
+struct Layout;
+
+template <>
+struct Layout<Kpr16s> {
+    static constexpr Kpr64s rowOf(Kpr64s distances) { return 2 * ((distances + 15) & -16); }  // of two angles
+    static constexpr Kpr64s counters(const Lines& lines) { return (lines.angles + 1) / 2 * rowOf(lines.distances); }
+    KPR_INLINE static Vec<Kpr32s> first(Kpr64s distances) {
+        return laneConstant<Kpr32s>([](int i) { return i / 2; }) * broadcast(static_cast<Kpr32s>(rowOf(distances))) +
+               laneConstant<Kpr32s>([](int i) { return i % 2 * 16; });
+    }
+    static constexpr Kpr64s groupOf(Kpr64s distances) { return kGroup / 2 * rowOf(distances); }
+    KPR_INLINE static Vec<Kpr32s> place(Vec<Kpr32s> distance) { return distance + (distance & broadcast(-16)); }
+};
+
+template <>
+struct Layout<Kpr32s> {
+    static constexpr Kpr64s counters(const Lines& lines) { return lines.angles * lines.distances; }
+    KPR_INLINE static Vec<Kpr32s> first(Kpr64s distances) {
+        return laneConstant<Kpr32s>([](int i) { return i; }) * broadcast(static_cast<Kpr32s>(distances));
+    }
+    static constexpr Kpr64s groupOf(Kpr64s distances) { return kGroup * distances; }
+    KPR_INLINE static Vec<Kpr32s> place(Vec<Kpr32s> distance) { return distance; }
+};
+
 // The votes of all lines.
+template <typename Counter>
 class Votes {
   public:
-    Votes(const KprHoughProbSpec* spec, const BlockHead& head, const Lines& lines, Kpr32s* counters)
+    Votes(const KprHoughProbSpec* spec, const BlockHead& head, const Lines& lines, Kpr32s* memory)
         : pairs_(reinterpret_cast<const Kpr8u*>(spec) + sizeof(BlockHead)),
           angles_(head.angles),
           rho_(head.delta.rho),
           lines_(lines),
-          counters_(counters) {
-        __builtin_memset(counters, 0, static_cast<std::size_t>(lines.distances * angles_) * sizeof(Kpr32s));
+          counters_(reinterpret_cast<Counter*>(memory)) {
+        __builtin_memset(memory, 0, static_cast<std::size_t>(Layout<Counter>::counters(lines)) * sizeof(Counter));
     }
 
     struct Winner {
@@ -74,27 +102,22 @@ class Votes {
 
     // The first angle with most votes, of those with at least `threshold`; fewer votes if there is none.
     Winner cast(Kpr64s x, Kpr64s y, int threshold) {
-        Vec<Kpr32s> most = broadcast(threshold - 1), where = zero<Kpr32s>();
-        Vec<Kpr32s> angle = laneConstant<Kpr32s>([](int i) { return i; });
+        Winner winner = {threshold - 1, 0};
+        Counter* const counters = counters_;
         forAngles(
-            x, y, [&](Mask<Kpr32s> counts, Vec<Kpr32s> index) __attribute__((always_inline)) {
-                const Vec<Kpr32s> votes = gather(counts, counters_, index) + broadcast(1);
-                scatter(counts, counters_, index, votes);
-                const auto wins = static_cast<Mask<Kpr32s>>(counts & less(most, votes));
-                most = select(wins, votes, most);
-                where = select(wins, angle, where);
-                angle = angle + broadcast(kGroup);
+            x, y, [&](int angle, unsigned at) __attribute__((always_inline)) {
+                const auto votes = static_cast<Counter>(counters[at] + 1);
+                counters[at] = votes;
+                if (votes > winner.votes) [[unlikely]]
+                    winner = {votes, angle};
             });
-        const Vec<Kpr32s> best = fold(most, [](Vec<Kpr32s> a, Vec<Kpr32s> b) { return max(a, b); });
-        const Vec<Kpr32s> of = select(equal(best, most), where, broadcast(0x7fffffff));
-        return {firstLane(best), firstLane(fold(of, [](Vec<Kpr32s> a, Vec<Kpr32s> b) { return min(a, b); }))};
+        return winner;
     }
 
     void takeBack(Kpr64s x, Kpr64s y) {
+        Counter* const counters = counters_;
         forAngles(
-            x, y, [&](Mask<Kpr32s> counts, Vec<Kpr32s> index) __attribute__((always_inline)) {
-                scatter(counts, counters_, index, gather(counts, counters_, index) - broadcast(1));
-            });
+            x, y, [&](int, unsigned at) __attribute__((always_inline)) { --counters[at]; });
     }
 
     [[nodiscard]] KprRhoTheta direction(int angle) const {
@@ -104,15 +127,15 @@ class Votes {
     }
 
   private:
-    // visit(counts, index) for sixteen angles after the other: which of them have a line, and its counter.
+    // visit(angle, at) for the counter of each angle at which the point has a line.
     template <typename Visit>
     KPR_INLINE void forAngles(Kpr64s x, Kpr64s y, Visit visit) const {
         const Vec<Kpr32f> across = broadcast(static_cast<Kpr32f>(x)), down = broadcast(static_cast<Kpr32f>(y));
         const Vec<Kpr32f> rho = broadcast(rho_);
         const Vec<Kpr32s> even = laneConstant<Kpr32s>([](int i) { return 2 * i; });
-        const Vec<Kpr32s> stride = broadcast(static_cast<Kpr32s>(lines_.distances));
         const auto range = broadcast(static_cast<unsigned>(lines_.distances - 1));
-        Vec<Kpr32s> row = laneConstant<Kpr32s>([](int i) { return i; }) * stride;
+        Vec<Kpr32s> first = Layout<Counter>::first(lines_.distances);
+        const Vec<Kpr32s> group = broadcast(static_cast<Kpr32s>(Layout<Counter>::groupOf(lines_.distances)));
         const auto* pairs = reinterpret_cast<const Kpr32s*>(pairs_);
         walkColumns<kGroup>(
             angles_, [&](auto part, Kpr64s k) __attribute__((always_inline)) {
@@ -123,9 +146,19 @@ class Votes {
                 Vec<Kpr32f> distance = across * cosine + down * sine;
                 if (rho_ != 1) distance = distance / rho;
                 const Vec<Kpr32s> index = toInteger(distance) + broadcast(static_cast<Kpr32s>(lines_.offset));
-                const auto counts = static_cast<Mask<Kpr32s>>((part & Lanes{atMost(as<unsigned>(index), range)}).bits);
-                visit(counts, row + index);
-                row = row + broadcast(kGroup) * stride;
+                const Bits64 counts = (part & Lanes{atMost(as<unsigned>(index), range)}).bits;
+                const Spilled at(first + Layout<Counter>::place(index));
+                if (counts == 0xffff) {
+                    takeTurns<kGroup>([&](auto i) __attribute__((always_inline)) {
+                        visit(static_cast<int>(k) + i, at.lane[i]);
+                    });
+                } else {
+                    for (Bits64 left = counts; left != 0; left &= left - 1) {
+                        const int i = std::countr_zero(left);
+                        visit(static_cast<int>(k) + i, at.lane[i]);
+                    }
+                }
+                first = first + group;
             });
     }
     struct AllHalves {
@@ -144,7 +177,7 @@ class Votes {
     int angles_;
     Kpr32f rho_;
     Lines lines_;
-    Kpr32s* counters_;
+    Counter* counters_;
 };
 
 // A walk from a point along a line: whole pixels along the axis that it is nearer to, 1/65536 along the other.
@@ -232,19 +265,23 @@ class Draws {
     Bits64 state_ = ~Bits64{0};
 };
 
+// From so many points on, which counters of 16 bits may not hold, the list is one longer: it has always been.
+constexpr Kpr64s kManyPoints = 32767;
+
 struct Criteria {
     int threshold, length, gap;
 };
 
-int findSegments(Bitmap& bitmap, Draws& draws, Votes& votes, const Criteria& wanted, KprLineSegment* lines, int most) {
+template <typename Counter>
+int findSegments(Bitmap& bitmap, Draws& draws, Votes<Counter> votes, const Criteria& wanted, KprLineSegment* lines,
+                 int most) {
     if (most < 1) return 0;
-    // With counters of 32 bits the list has always been one longer.
-    const Kpr64s room = draws.count() < 32767 ? most : Kpr64s{most} + 1;
+    const Kpr64s room = draws.count() < kManyPoints ? most : Kpr64s{most} + 1;
     int count = 0;
     while (draws.count() > 0) {
         const KprPoint start = draws.draw();
         if (!bitmap.at(start.x, start.y)) continue;
-        const Votes::Winner winner = votes.cast(start.x, start.y, wanted.threshold);
+        const auto winner = votes.cast(start.x, start.y, wanted.threshold);
         if (winner.votes < wanted.threshold) continue;
         const Walk forward(start.x, start.y, votes.direction(winner.angle));
         const Walk walks[] = {forward, forward.reversed()};
@@ -275,9 +312,9 @@ KprStatus search(Rows<const Kpr8u> src, KprSize roi, const Criteria& wanted, Kpr
     const Lines all(roi, head.delta);
     *lineCount = 0;
     if (all.distances < 1) return kprStatusOk;  // there is no line, nor room in the buffer to align anything
-    // The counters of the angle that does not vote make room for that.
+    // There is a counter to spare, which makes room for that.
     Workspace memory(buffer, static_cast<Kpr64s>(bufferBytes(roi, all)));
-    auto* const counters = memory.take<Kpr32s>(all.distances * head.angles);
+    auto* const counters = memory.take<Kpr32s>(all.distances * (head.angles + 1) - 1);
     Draws draws(memory.take<unsigned>(Kpr64s{roi.width} * roi.height), roi);
     auto* const bits = memory.take<Kpr8u>(static_cast<Kpr64s>(bitmapBytes(roi)));
     __builtin_memset(bits, 0, static_cast<std::size_t>(bitmapBytes(roi)));
@@ -288,8 +325,12 @@ KprStatus search(Rows<const Kpr8u> src, KprSize roi, const Criteria& wanted, Kpr
             draws.add(x, y, found);
         });
     }
-    Votes votes(spec, head, all, counters);
-    *lineCount = findSegments(bitmap, draws, votes, wanted, lines, std::min(maxLineCount, head.maxLineCount));
+    const int most = std::min(maxLineCount, head.maxLineCount);
+    // The blocks of two angles need up to fifteen counters more than there are distances.
+    if (draws.count() < kManyPoints && all.distances >= 15)
+        *lineCount = findSegments(bitmap, draws, Votes<Kpr16s>(spec, head, all, counters), wanted, lines, most);
+    else
+        *lineCount = findSegments(bitmap, draws, Votes<Kpr32s>(spec, head, all, counters), wanted, lines, most);
     return kprStatusOk;
 }
 

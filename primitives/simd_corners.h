@@ -77,14 +77,6 @@ KPR_INLINE Vec<Bits64> everySecond(Vec<unsigned> v) {
 // To the nearest number, ties to even.
 KPR_INLINE Vec<Kpr64f> toDouble(Vec<Bits64> v) { return vec(_mm512_cvtepu64_pd(bits(v))); }
 
-// base[index] in the lanes of the mask, zero elsewhere; and what stores it back, the indices being different ones.
-KPR_INLINE Vec<Kpr32s> gather(Mask<Kpr32s> lanes, const Kpr32s* base, Vec<Kpr32s> index) {
-    return vec<Kpr32s>(_mm512_mask_i32gather_epi32(_mm512_setzero_si512(), lanes, bits(index), base, 4));
-}
-KPR_INLINE void scatter(Mask<Kpr32s> lanes, Kpr32s* base, Vec<Kpr32s> index, Vec<Kpr32s> v) {
-    _mm512_mask_i32scatter_epi32(base, lanes, bits(index), bits(v), 4);
-}
-
 // Where a < b, of numbers.
 KPR_INLINE Mask<Kpr64f> lessOf(Vec<Kpr64f> a, Vec<Kpr64f> b) { return _mm512_cmp_pd_mask(pd(a), pd(b), _CMP_LT_OQ); }
 
