@@ -10,6 +10,11 @@ add_library(kprcv_objects OBJECT
     distance/inpaint.cpp
     distance/inpaint_init.cpp
     distance/marching.cpp
+    feature/fast.cpp
+    feature/hough.cpp
+    feature/hough_segments.cpp
+    feature/line_suppression.cpp
+    feature/peaks.cpp
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp

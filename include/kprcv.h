@@ -18,6 +18,7 @@
 #define KPRCV_H
 
 #include <kprcv/distance.h>
+#include <kprcv/feature.h>
 #include <kprcv/filter.h>
 #include <kprcv/frame.h>
 #include <kprcv/geometry.h>
