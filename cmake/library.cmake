@@ -7,6 +7,9 @@
 add_library(kprcv_objects OBJECT
     frame/cache.cpp
     frame/version.cpp
+    feature/canny.cpp
+    feature/canny_border.cpp
+    feature/edge_planes.cpp
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp

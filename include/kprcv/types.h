@@ -94,6 +94,10 @@ typedef int32_t KprMaskSize;
 
 enum { kprMaskSize3x3 = 33, kprMaskSize5x5 = 55 };
 
+/* The norm word and the filter word of functions that take one. */
+enum { kprNormInf = 1, kprNormL1 = 2, kprNormL2 = 4 };
+enum { kprFilterSobel = 2, kprFilterScharr = 5, kprFilterCentralDifference = 8 };
+
 /* The border word: a base mode, and flags for the sides on which the pixels outside the ROI are valid memory and are
  * read as they are. The base mode rules on the other sides. */
 typedef uint32_t KprBorderType;

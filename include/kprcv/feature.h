@@ -1,0 +1,7 @@
+/* Features: edges, corners. */
+#ifndef KPRCV_FEATURE_H
+#define KPRCV_FEATURE_H
+
+#include <kprcv/feature_edges.h>
+
+#endif
