@@ -10,6 +10,9 @@ add_library(kprcv_objects OBJECT
     distance/inpaint.cpp
     distance/inpaint_init.cpp
     distance/marching.cpp
+    feature/canny.cpp
+    feature/canny_border.cpp
+    feature/edge_planes.cpp
     feature/fast.cpp
     feature/hough.cpp
     feature/hough_segments.cpp

@@ -90,10 +90,11 @@ template <typename Rule, typename Dst>
         dst);
 }
 
-// Filters a ROI, or a strip of its columns, through a ring of 2 * kRadius + 1 rows of kPlanes planes.
-template <typename Rule, typename Src, typename Dst>
-void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Src value, typename Rule::Middle* ring,
-                 Kpr64s plane) {
+// Passes a ROI, or a strip of its columns, through a ring of 2 * kRadius + 1 rows of kPlanes planes: `down(window, y)`
+// once for each of its rows.
+template <typename Rule, typename Src, typename Down>
+void walkFixed(Axis columns, Axis rows, Rows<const Src> src, Src value, typename Rule::Middle* ring, Kpr64s plane,
+               Down down) {
     using Middle = typename Rule::Middle;
     constexpr int radius = Rule::kRadius;
     constexpr Kpr64s lanes = kLanes<Middle>;
@@ -112,7 +113,17 @@ void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Sr
             for (int i = 0; i < Rule::kPlanes; ++i)
                 fillPixels<1>(out + Kpr64s{i} * plane, columns.size, filtered + Kpr64s{i} * lanes);
         },
-        [&](const Middle* const* from, Kpr64s y) { filterDown<Rule>(from, plane, dst[y], columns.size); });
+        down);
+}
+
+// Filters a ROI, or a strip of its columns, into an image.
+template <typename Rule, typename Src, typename Dst>
+void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Src value, typename Rule::Middle* ring,
+                 Kpr64s plane) {
+    using Middle = typename Rule::Middle;
+    walkFixed<Rule>(columns, rows, src, value, ring, plane, [&](const Middle* const* from, Kpr64s y) {
+        filterDown<Rule>(from, plane, dst[y], columns.size);
+    });
 }
 
 }  // namespace n0::filter

@@ -107,7 +107,7 @@ enum { kprNormInf = 1, kprNormL1 = 2, kprNormL2 = 4 };
 /* The filter word: the kernels of a first derivative. */
 typedef int32_t KprFilterType;
 
-enum { kprFilterSobel = 2, kprFilterScharr = 5 };
+enum { kprFilterSobel = 2, kprFilterScharr = 5, kprFilterCentralDifference = 8 };
 
 /* The border word: a base mode, and flags for the sides on which the pixels outside the ROI are valid memory and are
  * read as they are. The base mode rules on the other sides. */
