@@ -7,6 +7,11 @@
 add_library(kprcv_objects OBJECT
     frame/cache.cpp
     frame/version.cpp
+    detect/haar_apply.cpp
+    detect/haar_init.cpp
+    detect/integral.cpp
+    detect/rect_std_dev.cpp
+    detect/tilted_integral.cpp
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp

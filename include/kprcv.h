@@ -17,6 +17,7 @@
 #ifndef KPRCV_H
 #define KPRCV_H
 
+#include <kprcv/detect.h>
 #include <kprcv/filter.h>
 #include <kprcv/frame.h>
 #include <kprcv/morph.h>
