@@ -5,6 +5,11 @@
 #                   the entries stand in for it.
 
 add_library(kprcv_objects OBJECT
+    detect/haar_apply.cpp
+    detect/haar_init.cpp
+    detect/integral.cpp
+    detect/rect_std_dev.cpp
+    detect/tilted_integral.cpp
     distance/chamfer.cpp
     distance/exact.cpp
     distance/inpaint.cpp

@@ -17,6 +17,7 @@
 #ifndef KPRCV_H
 #define KPRCV_H
 
+#include <kprcv/detect.h>
 #include <kprcv/distance.h>
 #include <kprcv/feature.h>
 #include <kprcv/filter.h>
