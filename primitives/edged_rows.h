@@ -27,8 +27,8 @@ struct RowParts {
     [[nodiscard]] const RowPart<T>* end() const { return part + count; }
 };
 
-// Pixels `first` to `last - 1` of `count` rows as `axis` extends them, each into a row of `out`. What the pixels are does
-// not matter here, so that kernels of many types and lengths share this.
+// Pixels `first` to `last - 1` of `count` rows as `axis` extends them, each into a row of `out`. What the pixels are
+// does not matter here, so that kernels of many types and lengths share this.
 template <int pixelBytes>
 [[gnu::noinline]] void extendRows(Rows<const Kpr8u> src, Kpr64s count, Axis axis, Kpr64s first, Kpr64s last,
                                   const Kpr8u* value, Rows<Kpr8u> out) {
@@ -52,9 +52,9 @@ template <int pixelBytes>
 // Rows of an image that are filtered along, a result needing `before` pixels on its left and `after` on its right.
 //
 // Columns near a synthesised pixel are filtered from strips: copies of the row's ends with their border. The strips of
-// several rows are made at once, since a strip that is read just after it was written waits until all that was stored
-// before has left the processor. Strips take whole groups of `lanes` columns, so that they cost no extra step; with one
-// lane they hold exactly the columns that read a synthesised pixel.
+// several rows are made at once: a vector that is loaded over pixels stored singly just before cannot be forwarded from
+// the store buffer, and waits until that is empty. Strips take whole groups of `lanes` columns, so that they cost no
+// extra step; with one lane they hold exactly the columns that read a synthesised pixel.
 template <typename T, int channels, int lanes>
 class EdgedRows {
   public:

@@ -38,7 +38,7 @@ enum class Loop { Unrolled, Rolled };
 template <int lanes, Loop loop = Loop::Unrolled, typename Kernel>
 KPR_INLINE void walkColumns(Kpr64s width, Kernel kernel) {
     Kpr64s x = 0;
-    if constexpr (loop == Loop::Unrolled) {
+    if constexpr (loop == Loop::Unrolled) {  // NOLINT(bugprone-branch-clone): the pragma tells them apart
 #pragma GCC unroll 4
         for (; x + lanes <= width; x += lanes) kernel(All{}, x);
     } else {

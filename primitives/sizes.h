@@ -1,4 +1,4 @@
-// The arithmetic of sizing calls. Sizes are formed in 128 bits, where no sizes that pass the checks can wrap; those that
+// The arithmetic of sizing calls. Sizes are formed in 128 bits, where none that pass the checks can wrap; those that
 // callers form in 32 bits and expect to wrap are formed in Bytes32.
 #pragma once
 

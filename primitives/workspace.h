@@ -36,7 +36,7 @@ class Workspace {
     template <typename T>
     T* takeIfHeld(Kpr64s count, std::uintptr_t alignment = alignof(T)) {
         auto* const piece = reinterpret_cast<char*>(alignedUp<T>(next_, alignment));
-        if (count < 0 || end_ - piece < count * Kpr64s{sizeof(T)}) return nullptr;
+        if (count < 0 || piece > end_ || (end_ - piece) / Kpr64s{sizeof(T)} < count) return nullptr;
         next_ = piece + count * Kpr64s{sizeof(T)};
         return reinterpret_cast<T*>(piece);
     }

@@ -70,7 +70,8 @@ struct PlaneOfThree {
             before[v] = v == 0 ? 0 : before[v - 1] + std::popcount(lanes[v - 1]);
         }
         if constexpr (std::is_floating_point_v<T>) {
-            for (int p = 0; p < kLanes<T>; ++p) pixels.raw[p] = (3 * p + channel) % kLanes<T>;
+            pixels = laneConstant<Kpr32s>([](int p) { return 3 * p % 16; }) + broadcast(channel);
+            pixels = pixels & broadcast(kLanes<T> - 1);
         }
     }
 

@@ -110,8 +110,8 @@ TEST(MinMaxIndx, Floats) {
     check<Kpr32f>(kpriMinMaxIndx_32f_C1R, kpriMinMaxIndx_32f_C3CR, kpriMinMaxIndx_32f_C1MR, kpriMinMaxIndx_32f_C3CMR);
 }
 
-// One selected pixel beyond the columns that a byte counts, which is at the worst value there is, or NaN: nothing but the
-// search for a selected pixel finds it.
+// One selected pixel beyond the columns that a byte counts, which is at the worst value there is, or NaN: nothing but
+// the search for a selected pixel finds it.
 TEST(MinMaxIndx, OnePixelFarOut) {
     for (int width : {65, 256, 257, 320, 640, 1100}) {
         for (int at = 0; at < width; at += 3) {

@@ -1,5 +1,5 @@
-// Masks of the kinds that decide what a kernel does: nothing at all, a single pixel, one block that leaves most of a row
-// out, a few pixels here and there, most of them, all.
+// Masks of the kinds that decide what a kernel does: nothing at all, a single pixel, one block that leaves most of a
+// row out, a few pixels here and there, most of them, all.
 #pragma once
 
 #include "tests/support/guarded_image.h"
