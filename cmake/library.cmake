@@ -94,10 +94,13 @@ target_link_libraries(kprcv_objects PRIVATE kprcv_build_flags)
 
 if(KPRCV_SANITIZE)
     set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
-    # Left out is what is checked at every vector that is passed on, in minutes of compiling: scopes of temporaries, and
-    # pointers that are null or odd, which the address sanitizer or the processor stops at.
-    target_compile_options(kprcv_objects PRIVATE ${sanitizers} -fno-omit-frame-pointer
-        -fno-sanitize-address-use-after-scope -fno-sanitize=null,object-size,alignment)
+    target_compile_options(kprcv_objects PRIVATE ${sanitizers} -fno-omit-frame-pointer)
+    # Filters leave out what is checked at every vector that is passed on, in minutes of compiling: scopes of temporaries,
+    # and pointers that are null or odd, which the address sanitizer or the processor stops at.
+    get_target_property(sources kprcv_objects SOURCES)
+    list(FILTER sources INCLUDE REGEX "^filter/")
+    set_source_files_properties(${sources} PROPERTIES
+        COMPILE_OPTIONS "-fno-sanitize-address-use-after-scope;-fno-sanitize=null,object-size,alignment")
     target_link_options(kprcv_objects INTERFACE ${sanitizers})
     add_library(kprcv INTERFACE)
     target_sources(kprcv INTERFACE ${PROJECT_SOURCE_DIR}/frame/entries.S $<TARGET_OBJECTS:kprcv_objects>)

@@ -5,7 +5,7 @@
 
 namespace n0::morph {
 
-// What the first cache holds beside what passes through it.
+// Bytes of lines that stay in the first cache while rows of the image pass through it.
 inline constexpr Kpr64s kLinesBytes = 32768;
 
 // Each element becomes the extremum of those of 2^doublings pixels from it on; the line's last few hold anything.

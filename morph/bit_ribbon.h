@@ -1,6 +1,6 @@
 // The extremum of 3 x 3 pixels where rows of whole 64-bit words follow one another without a gap, in the source as in
-// the destination: they are one long row, whose vectors hold no lane in vain. What lies outside is neutral or, above
-// and below, memory.
+// the destination. They are worked on as one long row, so that every vector is full. What lies outside is neutral or,
+// above and below, memory.
 //
 // Three rows are joined down the columns first. With its bytes turned round, a word then has the leftmost pixel in its
 // top bit: the neighbours of its pixels are a shift away, but for two that lie in the words beside it.
@@ -13,7 +13,7 @@ namespace n0::morph {
 template <typename Rule>
 class BitRibbon {
   public:
-    // Rows of eight words or more: a row does not end twice in a vector.
+    // Rows have eight words or more, so that a vector holds the end of one row at most.
     static bool serves(const BitJob& job) {
         const Border b = job.border;
         const bool neutral = b.base != kprBorderConstant || job.fill == Rule::kWeakest;
@@ -27,7 +27,8 @@ class BitRibbon {
 
     void run() const {
         drawCrossings();
-        // Rows at the top and at the bottom meet themselves in place of what is not there.
+        // In place of a row that does not exist, above the first or below the last, that row itself is joined once
+        // more, which changes nothing.
         const bool above = job_.border.top, below = job_.border.bottom;
         const Kpr64s last = job_.height - 1;
         if (last == 0) return rows(0, 1, above, below);
@@ -39,8 +40,8 @@ class BitRibbon {
   private:
     static constexpr Kpr64s kTop = std::numeric_limits<Kpr64s>::min(), kLow = 1;
 
-    // For each word of a row, and for eight that follow, the pixels that a neighbour in another word has a say in: the
-    // first and the last, but not at the ends of the row.
+    // For each word of a row, and for the eight words that a vector may reach beyond it, a mask of the pixels that have
+    // a neighbour in the word before or after: the word's first and last, but not the row's first and last.
     void drawCrossings() const {
         const auto both = broadcast(kTop | kLow);
         walkColumns<64>(step_ + 64, [&](auto part, Kpr64s x) { store(crossings_ + x, as<Kpr8u>(both), part); });
@@ -48,8 +49,8 @@ class BitRibbon {
     }
 
     void rows(Kpr64s begin, Kpr64s end, bool above, bool below) const {
-        // Pixels of an erosion are complements in between: set bits win. Functions for combine(): the join of three
-        // columns, and of pixels with what crossed over where it may.
+        // An erosion works on complements: the first step inverts, the last inverts back, and between them set bits win
+        // as in a dilation. Tables for combine(): of the join of three rows, and of pixels | (crossed & where it may).
         constexpr bool complement = Rule::kWeakest != 0;
         constexpr int join = complement ? 0x7f : 0xfe, finish = complement ? 0x07 : 0xf8;
         const Kpr64s step = step_, length = (end - begin) * step;

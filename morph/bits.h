@@ -14,7 +14,8 @@ struct BitRows {
     Kpr64s bit;
 };
 
-// a where `where` is set, b elsewhere. The result comes in the place of a, which is rarely wanted afterwards.
+// a where `where` is set, b elsewhere. The instruction overwrites its first operand: a is passed first because callers
+// do not need it afterwards, which saves them a copy.
 KPR_INLINE Vec<Kpr8u> selectBits(Vec<Kpr8u> where, Vec<Kpr8u> a, Vec<Kpr8u> b) { return combine<0xe4>(a, b, where); }
 
 // How pixels are joined. A bit that never wins is the same in a whole byte.
@@ -70,8 +71,9 @@ struct BitSpan {
     }
 };
 
-// Eight pixels a lane, of which the first is number `count`, 0 to 8, of those in the lane of a. The pixels of b follow
-// those of a. Bytes are moved in pairs: what crosses over within a pair is not kept.
+// Lane by lane the eight pixels from number `count` on, 0 to 8, of the sixteen in a's byte and then b's. There are no
+// shifts of bytes: they are shifted as halves of 16-bit lanes, and the bits that come in from the other half are masked
+// out.
 struct PixelShift {
     Vec<Kpr16u> ahead, behind;
     Vec<Kpr8u> kept;

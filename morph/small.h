@@ -10,13 +10,14 @@
 
 namespace n0::morph {
 
-// For both rows of a pair: element k is the join of the source rows whose runs reach k pixels. One serves all where the
-// square is full.
+// For both rows of a pair: element k is the join, column by column, of the source rows whose runs of taps reach at least
+// k pixels to either side. In a full square all runs reach as far, and one element serves for every k.
 template <typename T, int count>
 struct RowPair {
     Vec<T> upper[count], lower[count];
 };
 
+// Where all columns lie outside the image.
 template <typename T, int count>
 KPR_INLINE RowPair<T, count> outsidePair(Vec<T> fill) {
     RowPair<T, count> pair;

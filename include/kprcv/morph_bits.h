@@ -2,11 +2,12 @@
  *
  * Eight pixels lie in a byte, the leftmost in the most significant bit. A pixel pointer addresses the byte that holds
  * the first pixel of the ROI, and a bit offset from 0 to 7 says which pixel of that byte it is; the offset is the same
- * in all rows. Rows lie `step` bytes apart, and a step holds the bytes that a row touches, (width + bit offset + 7)
- * / 8. Masks are masks of bytes, as for the other types.
+ * in all rows. Rows lie `step` bytes apart, and a step is no less than the bytes that a row touches:
+ * (width + bit offset + 7) / 8. Masks are masks of bytes, as for the other types.
  *
- * Only bytes that hold pixels of the ROI are read and written, and on the sides of kprBorderInMem flags those that hold
- * the pixels beyond which the flag promises. The pixels of a destination byte beside the ROI keep their values.
+ * Only bytes that hold pixels of the ROI are read and written; on sides with kprBorderInMem flags, those are read too
+ * that hold the pixels outside it which the flag says are there. The pixels of a destination byte that are not the
+ * ROI's keep their values.
  */
 #ifndef KPRCV_MORPH_BITS_H
 #define KPRCV_MORPH_BITS_H
@@ -17,10 +18,12 @@
 extern "C" {
 #endif
 
-/* Bytes that the state block and the work buffer of a 1-bit dilation or erosion need. As the forms of other types. */
+/* Bytes that the state block and the work buffer of a 1-bit dilation or erosion need. Arguments and statuses are those
+ * of kpriMorphologyBorderGetSize_8u_C1R. */
 KprStatus kpriMorphologyBorderGetSize_1u_C1R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize);
 
-/* Fills a state block, which serves the 1-bit forms alone. As the forms of other types. */
+/* Fills a state block, which serves the 1-bit forms alone. Arguments and statuses are those of
+ * kpriMorphologyBorderInit_8u_C1R; the block must stay where it was filled. */
 KprStatus kpriMorphologyBorderInit_1u_C1R(KprSize roiSize, const Kpr8u* mask, KprSize maskSize, KprMorphState* spec,
                                           Kpr8u* buffer);
 
@@ -64,15 +67,17 @@ KprStatus kpriErode_1u_C1R_L(const Kpr8u* src, Kpr64s srcStep, int srcBitOffset,
                              int dstBitOffset, Kpr64s roiWidth, Kpr64s roiHeight, KprBorderType borderType,
                              const Kpr8u* borderValue, const KprMorphState* spec, Kpr8u* buffer);
 
-/* Bytes that the state block and the work buffer of the operations below need. As kpriMorphologyBorderGetSize. */
+/* Bytes that the state block and the work buffer of the operations below need. Arguments and statuses are those of
+ * kpriMorphologyBorderGetSize_8u_C1R. */
 KprStatus kpriMorphAdvGetSize_1u_C1R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize);
 
-/* Fills a state block, which serves the 1-bit forms alone. As kpriMorphologyBorderInit. */
+/* Fills a state block, which serves the 1-bit forms alone. Arguments and statuses are those of
+ * kpriMorphologyBorderInit_8u_C1R; the block must stay where it was filled. */
 KprStatus kpriMorphAdvInit_1u_C1R(KprSize roiSize, const Kpr8u* mask, KprSize maskSize, KprMorphAdvState* spec,
                                   Kpr8u* buffer);
 
-/* Opening, closing, top-hat, black-hat and gradient, as kpriMorphOpenBorder_8u_C1R and its siblings. The differences
- * are
+/* Opening, closing, top-hat, black-hat and gradient, as kpriMorphOpenBorder_8u_C1R and its siblings. Of what is a
+ * difference there, a pixel is
  *
  *     top-hat     set where src is set and the opening is not
  *     black-hat   set where the closing is set and src is not
@@ -98,11 +103,12 @@ KprStatus kpriMorphGradientBorder_1u_C1R(const Kpr8u* src, int srcStep, int srcB
                                          int dstBitOffset, KprSize roiSize, KprBorderType borderType, Kpr8u borderValue,
                                          const KprMorphAdvState* spec, Kpr8u* buffer);
 
-/* The same with 64-bit sizes and steps. The state block is that of kpriMorphInit_L; the buffer is sized by
- * kpriMorphGetBufferSize_L for kpr1u.
+/* The same with 64-bit sizes and steps. The state block is that of kpriMorphInit_L for kpr1u and one channel; the
+ * buffer is sized by kpriMorphGetBufferSize_L for these. borderValue is a pointer to one byte, as of
+ * kpriDilate_1u_C1R_L.
  *
- * Return as kpriMorphOpen_8u_C1R_L, with kprStatusBadArg for a bit offset before the steps. The gradient returns as
- * kpriDilate_1u_C1R_L does. */
+ * They return what kpriMorphOpen_8u_C1R_L returns, and kprStatusBadArg for a bit offset before kprStatusBadStep. The
+ * gradient returns what kpriDilate_1u_C1R_L returns, kprStatusInPlaceUnsupported included. */
 KprStatus kpriMorphOpen_1u_C1R_L(const Kpr8u* src, Kpr64s srcStep, int srcBitOffset, Kpr8u* dst, Kpr64s dstStep,
                                  int dstBitOffset, Kpr64s roiWidth, Kpr64s roiHeight, KprBorderType borderType,
                                  const Kpr8u* borderValue, const KprMorphAdvState* spec, Kpr8u* buffer);

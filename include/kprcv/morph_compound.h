@@ -8,10 +8,13 @@
 extern "C" {
 #endif
 
-/* A state block of two structuring elements: a mask, and the same turned by 180 degrees. */
+/* A state block of two structuring elements: a mask, and the same turned by 180 degrees. It holds pointers into itself:
+ * it must not be moved or copied, but filled anew where it is to be. Processing calls do not write it, and several may
+ * share it at once, each with a work buffer of its own; kpriMorphSetMode_L writes it. */
 typedef struct KprMorphAdvState KprMorphAdvState;
 
-/* Bytes that the state block and the work buffer of the operations below need. As kpriMorphologyBorderGetSize. */
+/* Bytes that the state block and the work buffer of the operations below need. Arguments and statuses are those of
+ * kpriMorphologyBorderGetSize. */
 KprStatus kpriMorphAdvGetSize_8u_C1R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize);
 KprStatus kpriMorphAdvGetSize_8u_C3R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize);
 KprStatus kpriMorphAdvGetSize_8u_C4R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize);
@@ -21,7 +24,7 @@ KprStatus kpriMorphAdvGetSize_32f_C1R(KprSize roiSize, KprSize maskSize, int* sp
 KprStatus kpriMorphAdvGetSize_32f_C3R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize);
 KprStatus kpriMorphAdvGetSize_32f_C4R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize);
 
-/* Fills a state block. As kpriMorphologyBorderInit. */
+/* Fills a state block. Arguments and statuses are those of kpriMorphologyBorderInit. */
 KprStatus kpriMorphAdvInit_8u_C1R(KprSize roiSize, const Kpr8u* mask, KprSize maskSize, KprMorphAdvState* spec,
                                   Kpr8u* buffer);
 KprStatus kpriMorphAdvInit_8u_C3R(KprSize roiSize, const Kpr8u* mask, KprSize maskSize, KprMorphAdvState* spec,
@@ -193,13 +196,14 @@ KprStatus kpriMorphGradientBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusSizeOverflow (a side beyond 0x7fffffff),
  * kprStatusBadDataType, kprStatusBadChannelCount; and last kprStatusSizeOverflow for a ROI that goes beyond 0x7fffffff
- * when twice the mask's reach is added on each side. */
+ * when twice the mask's reach is added on each side, or for a size beyond 64 bits. Nothing wraps, and nothing is written
+ * where a status is returned. */
 KprStatus kpriMorphGetSpecSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s maskWidth, Kpr64s maskHeight,
                                  KprDataType dataType, int numChannels, Kpr64s* specSize);
 KprStatus kpriMorphGetBufferSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s maskWidth, Kpr64s maskHeight,
                                    KprDataType dataType, int numChannels, Kpr64s* bufferSize);
 
-/* Fills a state block. Its mode is 0.
+/* Fills a state block, which serves the type and channels told. Its mode is 0.
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusSizeOverflow, kprStatusBadDataType,
  * kprStatusBadChannelCount. */

@@ -15,8 +15,9 @@ extern "C" {
  * middle, of which one column or row less remains after it; but the mask is first given a column (row) of zeros in
  * front, so that a mask of width 2 covers columns x and x + 1 of a pixel at x.
  *
- * The mask is analysed once, into a state block of the caller's. The block holds pointers into itself: it must stay
- * where it was filled. It is not written by processing calls and may be shared by several at once.
+ * The mask is analysed once, into a state block of the caller's. The block holds pointers into itself: it must not be
+ * moved or copied, but filled anew where it is to be. It is not written by processing calls and may be shared by several
+ * at once, each with a work buffer of its own.
  *
  * The order of calls: GetSize, allocation of the block and the work buffer, Init, then any number of processing calls
  * with a ROI no larger than the one given to GetSize, in neither direction. The block and the buffer may lie at any
@@ -32,7 +33,8 @@ typedef struct KprMorphState KprMorphState;
  * maskSize     the structuring element's size; at least 1 x 1
  * specSize, bufferSize   receive the sizes in bytes
  *
- * The names of type and channels are those of the processing call.
+ * The names of type and channels are those of the processing call. No size wraps: where one is beyond 0x7fffffff,
+ * nothing is written.
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusSizeOverflow (a size beyond 0x7fffffff). */
 KprStatus kpriMorphologyBorderGetSize_8u_C1R(KprSize roiSize, KprSize maskSize, int* specSize, int* bufferSize);
@@ -71,8 +73,9 @@ KprStatus kpriMorphologyBorderInit_32f_C4R(KprSize roiSize, const Kpr8u* mask, K
 
 /* Dilation: each pixel becomes the largest of the pixels under the taps, channel by channel.
  *
- * A mask without taps, and a mask of one pixel whatever its value, copies the source. In 32f a NaN counts only where
- * all pixels under the taps are NaN, and +0 is larger than -0.
+ * A mask without taps, and a mask of one pixel whatever its value, copies the source. In 32f a number counts before any
+ * NaN, quiet or signalling: the result is NaN only where all pixels under the taps are. +0 is larger than -0. An image
+ * with signalling NaN may take several times as long; nothing traps, and the caller's floating-point status is kept.
  *
  * src, dst         pixels. dst may be the same image as src, but in 16s; in any other way they must not overlap
  * srcStep, dstStep bytes from row to row
@@ -148,7 +151,8 @@ KprStatus kpriErodeBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f* dst, i
 
 /* Bytes that the state block of a large dilation or erosion needs.
  *
- * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusSizeOverflow (a side beyond 0x7fffffff). */
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusSizeOverflow (a side beyond 0x7fffffff, or a size
+ * beyond 64 bits; nothing is written then). */
 KprStatus kpriDilateGetSpecSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s maskWidth, Kpr64s maskHeight,
                                   Kpr64s* specSize);
 KprStatus kpriErodeGetSpecSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s maskWidth, Kpr64s maskHeight,
@@ -165,7 +169,8 @@ KprStatus kpriDilateGetBufferSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s ma
 KprStatus kpriErodeGetBufferSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s maskWidth, Kpr64s maskHeight,
                                    KprDataType dataType, int numChannels, Kpr64s* bufferSize);
 
-/* Fills the state block of a large dilation or erosion; the two are the same.
+/* Fills the state block of a large dilation or erosion; the two are the same. mask, and where the block may lie, as of
+ * kpriMorphologyBorderInit.
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusSizeOverflow. */
 KprStatus kpriDilateInit_L(Kpr64s roiWidth, Kpr64s roiHeight, const Kpr8u* mask, Kpr64s maskWidth, Kpr64s maskHeight,
@@ -175,7 +180,8 @@ KprStatus kpriErodeInit_L(Kpr64s roiWidth, Kpr64s roiHeight, const Kpr8u* mask, 
 
 /* Dilation and erosion as kpriDilateBorder and kpriErodeBorder, with the same refusals in place.
  *
- * borderValue is a pointer to one element for each channel in all forms.
+ * borderValue is a pointer to one element for each channel in all forms; null is taken with any border but
+ * kprBorderConstant.
  *
  * Returns as the 32-bit forms; but kprStatusSizeOverflow, after the sizes below 1, for a ROI beyond 0x7fffffff in
  * either direction, and after the border word kprStatusBadSize for a ROI of exactly 0x7fffffff, kprStatusBadStep for a

@@ -18,13 +18,14 @@ inline reference::StructuringElement randomElement(Random& random) {
                                     {7, 5}, {9, 2}, {6, 9}, {13, 13}, {3, 17}, {31, 1}, {1, 12}, {21, 21}, {70, 3}};
     const KprSize size = sizes[random.range(0, std::size(sizes) - 1)];
     reference::StructuringElement element{size.width, size.height, {}};
-    enum Kind { Full, Half, Sparse, Disc, Diamond, EmptyEdge, Empty };
+    enum Kind { Full, Half, Sparse, Disc, Diamond, Hourglass, EmptyEdge, Empty };
     const int kind = random.oneIn(2) ? Full : random.range(Half, random.oneIn(4) ? Empty : EmptyEdge);
     for (int y = 0; y < size.height; ++y) {
         for (int x = 0; x < size.width; ++x) {
             const double u = (x + 0.5) / size.width * 2 - 1, v = (y + 0.5) / size.height * 2 - 1;
             const bool set = kind == Full || (kind == Half && random.oneIn(2)) || (kind == Sparse && random.oneIn(8)) ||
                              (kind == Disc && u * u + v * v <= 1) ||
+                             (kind == Hourglass && (u * u <= v * v || y == size.height / 2)) ||
                              (kind == Diamond && u * u < (1 - v) * (1 - v) && u * u < (1 + v) * (1 + v)) ||
                              (kind == EmptyEdge && x + 1 < size.width && y + 1 < size.height);
             element.bytes.push_back(set ? static_cast<Kpr8u>(random.range(1, 255)) : Kpr8u{0});

@@ -51,8 +51,7 @@ template <typename T, int channels, typename Size, typename Init, typename Proce
 void checkBorder(Size getSize, Init init, Process process, bool dilation, bool inPlaceServed) {
     Random random;
     for (KprSize size : test::sizesUpTo(channels == 1 ? 400000 : 40000)) {
-        const int rounds = size.width * size.height < 9000 ? 3 : 1;
-        for (int i = 0; i < rounds; ++i) {
+        for (int i = 0; i < 3; ++i) {
             checkOne<T, channels>(size, dilation, inPlaceServed, random,
                                   [&](auto& src, T* dst, int dstStep, KprSize roi, auto& element, KprSize sizing,
                                       KprBorderType word, const T* values) {
@@ -191,7 +190,9 @@ TEST(Morphology, SignallingNanTakesNoNumberWithIt) {
                 quiet = std::numeric_limits<float>::quiet_NaN();
     for (const KprSize maskSize : {KprSize{3, 1}, {3, 3}, {5, 5}, {15, 15}, {4, 3}}) {
         for (const float nan : {signalling, quiet, -signalling}) {
-            for (const bool inPlace : {false, true}) {
+            for (const int way : {0, 1, 2, 3}) {
+                const bool inPlace = way % 2 == 0;
+                const KprBorderType border = way < 2 ? kprBorderReplicate : kprBorderConstant;
                 const float src[] = {9, nan, 1, nan, nan, nan, nan, 4};
                 const KprSize size = {8, 1};
                 const std::vector<Kpr8u> mask(static_cast<std::size_t>(maskSize.width * maskSize.height), 1);
@@ -202,7 +203,7 @@ TEST(Morphology, SignallingNanTakesNoNumberWithIt) {
                     const auto process = dilation ? kpriDilateBorder_32f_C1R : kpriErodeBorder_32f_C1R;
                     std::feclearexcept(FE_ALL_EXCEPT);
                     feenableexcept(FE_INVALID);
-                    const KprStatus status = process(inPlace ? dst : src, 32, dst, 32, size, kprBorderReplicate, 0,
+                    const KprStatus status = process(inPlace ? dst : src, 32, dst, 32, size, border, nan,
                                                      block(prepared.spec), buffer(prepared.work));
                     const bool traps = fegetexcept() == FE_INVALID, raised = std::fetestexcept(FE_INVALID) != 0;
                     fedisableexcept(FE_INVALID);
@@ -211,7 +212,7 @@ TEST(Morphology, SignallingNanTakesNoNumberWithIt) {
                     const reference::StructuringElement element{maskSize.width, maskSize.height, mask};
                     for (int x = 0; x < 8; ++x) {
                         const float expected = reference::Stage<float>{
-                            dilation, element, kprBorderReplicate, 0, size, [&](int i, int) { return src[i]; }}(x, 0);
+                            dilation, element, border, nan, size, [&](int i, int) { return src[i]; }}(x, 0);
                         ASSERT_TRUE(test::same(dst[x], expected)) << "at " << x << ": " << dst[x];
                     }
                 }
@@ -251,6 +252,35 @@ TEST(Morphology, BlockLayout) {
                                       buffer(prepared.work)),
               kprStatusOk);
     for (int x = 0; x < 40; ++x) EXPECT_EQ(dst[x], x == 20 || x == 16 ? 9 : 0) << x;
+}
+
+// Masks whose rows are runs around the middle column, of every length above and below, longer away from the middle ones
+// too: only some of them are the small plan's.
+TEST(Morphology, MasksOfCentredRuns) {
+    Random random;
+    const KprSize size = {70, 9};
+    for (int masks = 0; masks < 16; ++masks) {
+        const int reaches[] = {2, masks % 4 - 1, masks / 4 - 1};
+        reference::StructuringElement element{5, 5, {}};
+        for (int y = -2; y <= 2; ++y) {
+            for (int x = -2; x <= 2; ++x) element.bytes.push_back(std::abs(x) <= reaches[std::abs(y)] ? 1 : 0);
+        }
+        const Prepared prepared(size, {5, 5}, element.bytes);
+        for (const KprBorderType border : {kprBorderReplicate, kprBorderMirror, kprBorderConstant}) {
+            for (const bool dilation : {true, false}) {
+                GuardedImage<Kpr8u> src(size, random), dst(size, random);
+                src.fill(random);
+                const auto process = dilation ? kpriDilateBorder_8u_C1R : kpriErodeBorder_8u_C1R;
+                ASSERT_EQ(process(src.data(), src.step(), dst.data(), dst.step(), size, border, 77,
+                                  block(prepared.spec), buffer(prepared.work)),
+                          kprStatusOk);
+                const reference::Stage<Kpr8u> stage{dilation, element, border,
+                                                    77,       size,    [&](int x, int y) { return src.at(x, y); }};
+                test::expectImage(dst, [&](int x, int y, int) { return stage(x, y); });
+                ASSERT_FALSE(HasFailure()) << "reaches " << reaches[1] << ", " << reaches[2] << ", border " << border;
+            }
+        }
+    }
 }
 
 // Two threads with a buffer each share one block, which is read-only by then.
