@@ -148,12 +148,12 @@ void searchAndSuppress(const Ring& ring, const Images& images, const Tested& tes
     const Kpr64s width = tested.right - tested.left, steps = (width + kStep - 1) / kStep;
     if (width == 0 || tested.top == tested.bottom) return;
     Workspace memory(buffer, 6 * Kpr64s{images.roi.width} + 636);
-    Bits64* const words = memory.take<Bits64>(4 * steps);
+    auto* const words = memory.take<Bits64>(4 * steps);
     Kpr8u* const scores = memory.take<Kpr8u>(3 * (width + 2)) + 1;
     const auto clear = [&](Kpr8u* score) { __builtin_memset(score - 1, 0, static_cast<std::size_t>(width) + 2); };
     FoundRow rows[3];
-    for (int i = 0; i < 3; ++i) {
-        const Kpr64s bits = 2 * (i % 2) * steps;
+    for (Kpr64s i = 0; i < 3; ++i) {
+        const Kpr64s bits = i % 2 * 2 * steps;
         rows[i] = {scores + i * (width + 2), words + bits, words + bits + steps, false};
         clear(rows[i].score);
     }

@@ -180,8 +180,8 @@ class Votes {
     };
     KPR_INLINE static AllHalves halves(All) { return {}; }
     KPR_INLINE static FirstHalves halves(First part) {
-        const Kpr64s elements = 2 * std::popcount(part.bits);
-        return {First{std::min<Kpr64s>(elements, kGroup)}, First{std::max<Kpr64s>(elements - kGroup, 0)}};
+        const int elements = 2 * std::popcount(part.bits);
+        return {First{std::min(elements, kGroup)}, First{std::max(elements - kGroup, 0)}};
     }
 
     static constexpr Kpr64s kMostAngles = 256;

@@ -186,7 +186,7 @@ class PeakSearch {
     template <typename Part, typename Where>
     KPR_INLINE void step(Part part, Where where, const T* row, Kpr64s x, Kpr64s y) {
         const Vec<T> c = load(row + x, part);
-        Mask<T> peaks = static_cast<Mask<T>>((part & Lanes{less(limit_, c)}).bits);
+        auto peaks = static_cast<Mask<T>>((part & Lanes{less(limit_, c)}).bits);
         if (peaks == 0) return;
         const Vec<T> none = broadcast(kNoNeighbour);
         const auto before = [&](const T* from, int d) __attribute__((always_inline)) {
