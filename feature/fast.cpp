@@ -55,29 +55,39 @@ class Exit {
   public:
     Exit(const Images& images, Orientation* orientation) : images_(images), orientation_(orientation) {}
 
-    // 64 centres from (x, y) on, of which `bright` and `dark` are corners.
+    // Where a row's results go, and its centres.
+    struct Row {
+        const Kpr8u* centre;
+        Kpr8u *corner, *score;
+    };
+    [[nodiscard]] Row row(Kpr64s left, Kpr64s y) const {
+        return {images_.centre[y] + left, images_.corner[y] + left, images_.score[y] + left};
+    }
+
+    // 64 centres from x on, of which `bright` and `dark` are corners.
     template <bool scored, typename Part>
-    KPR_INLINE void put(Part part, Kpr64s x, Kpr64s y, Bits64 bright, Bits64 dark, Bytes64 score) {
-        Kpr8u* const to = images_.corner[y] + x;
-        store(to, cornerBytes(bright, dark), part);
-        if constexpr (scored) store(images_.score[y] + x, score, part);
+    KPR_INLINE void put(Part part, Row row, Kpr64s x, Bits64 bright, Bits64 dark, Bytes64 score) {
         const Bits64 corners = bright | dark;
-        if (corners == 0) return;
+        if constexpr (scored) store(row.score + x, score, part);
+        if (corners == 0) {
+            store(row.corner + x, zero<Kpr8u>(), part);
+            return;
+        }
+        store(row.corner + x, cornerBytes(bright, dark), part);
         count_ += std::popcount(corners);
         if (orientation_ == nullptr) return;
-        const Kpr8u* const centre = images_.centre[y] + x;
         for (Bits64 left = corners; left != 0; left &= left - 1) {
-            const int i = std::countr_zero(left);
-            orientation_->add(centre + i, to + i);
+            const Kpr64s at = x + std::countr_zero(left);
+            orientation_->add(row.centre + at, row.corner + at);
         }
     }
 
     template <bool scored>
     void clear(Kpr64s first, Kpr64s last, Kpr64s y) const {
-        if (first >= last) return;
-        const auto bytes = static_cast<std::size_t>(last - first);
-        __builtin_memset(images_.corner[y] + first, 0, bytes);
-        if constexpr (scored) __builtin_memset(images_.score[y] + first, 0, bytes);
+        walkColumns<kStep>(last - first, [&](auto part, Kpr64s x) {
+            store(images_.corner[y] + first + x, zero<Kpr8u>(), part);
+            if constexpr (scored) store(images_.score[y] + first + x, zero<Kpr8u>(), part);
+        });
     }
 
     Kpr64s finish() {
@@ -92,13 +102,14 @@ class Exit {
 };
 
 template <bool scored, typename Arc>
-void search(const Ring& ring, const Images& images, const Tested& tested, Exit& out) {
+void search(const Ring& ring, const Tested& tested, Exit& out) {
     const Arc arc(ring);
     for (Kpr64s y = tested.top; y < tested.bottom; ++y) {
+        const Exit::Row row = out.row(tested.left, y);
         findInRow<scored>(
-            arc, ring, images.centre[y] + tested.left,
-            tested.right - tested.left, [&](auto part, Kpr64s x, const Found& found) __attribute__((always_inline)) {
-                out.put<scored>(part, tested.left + x, y, found.bright, found.dark, found.score);
+            arc, ring, row.centre, tested.right - tested.left,
+            [&out, row ](auto part, Kpr64s x, const Found& found) __attribute__((always_inline)) {
+                out.put<scored>(part, row, x, found.bright, found.dark, found.score);
             });
     }
 }
@@ -111,21 +122,21 @@ struct FoundRow {
 };
 
 // Corners of `row` stay whose score is not below those of their neighbours.
-void suppress(const Kpr8u* above, const FoundRow& row, const Kpr8u* below, const Tested& tested, Kpr64s y, Exit& out) {
+void suppress(const Kpr8u* above, const FoundRow row, const Kpr8u* below, const Tested& tested, Kpr64s y, Exit& out) {
+    const Exit::Row to = out.row(tested.left, y);
     walkColumns<kStep>(
-        tested.right - tested.left, [&](auto part, Kpr64s x) __attribute__((always_inline)) {
+        tested.right - tested.left, [ =, &out ](auto part, Kpr64s x) __attribute__((always_inline)) {
             const Kpr64s step = x / kStep;
             const Bits64 corners = row.any ? row.bright[step] | row.dark[step] : 0;
             if (corners == 0) {
-                out.put<true>(part, tested.left + x, y, 0, 0, zero<Kpr8u>());
+                out.put<true>(part, to, x, 0, 0, zero<Kpr8u>());
                 return;
             }
             const Bytes64 score = load(row.score + x, part);
             Bytes64 most = max(load(row.score + x - 1, part), load(row.score + x + 1, part));
             for (int i = -1; i <= 1; ++i) most = max(most, max(load(above + x + i, part), load(below + x + i, part)));
             const Bits64 stay = corners & ~less(score, most);
-            out.put<true>(part, tested.left + x, y, row.bright[step] & stay, row.dark[step] & stay,
-                          keep<Kpr8u>(stay, score));
+            out.put<true>(part, to, x, row.bright[step] & stay, row.dark[step] & stay, keep<Kpr8u>(stay, score));
         });
 }
 
@@ -137,12 +148,12 @@ void searchAndSuppress(const Ring& ring, const Images& images, const Tested& tes
     const Kpr64s width = tested.right - tested.left, steps = (width + kStep - 1) / kStep;
     if (width == 0 || tested.top == tested.bottom) return;
     Workspace memory(buffer, 6 * Kpr64s{images.roi.width} + 636);
-    Bits64* const words = memory.take<Bits64>(4 * steps);
+    auto* const words = memory.take<Bits64>(4 * steps);
     Kpr8u* const scores = memory.take<Kpr8u>(3 * (width + 2)) + 1;
     const auto clear = [&](Kpr8u* score) { __builtin_memset(score - 1, 0, static_cast<std::size_t>(width) + 2); };
     FoundRow rows[3];
-    for (int i = 0; i < 3; ++i) {
-        Kpr64s const bits = 2 * (i % 2) * steps;
+    for (Kpr64s i = 0; i < 3; ++i) {
+        const Kpr64s bits = i % 2 * 2 * steps;
         rows[i] = {scores + i * (width + 2), words + bits, words + bits + steps, false};
         clear(rows[i].score);
     }
@@ -152,12 +163,13 @@ void searchAndSuppress(const Ring& ring, const Images& images, const Tested& tes
         below->dark = below->bright + steps;
         Bits64 any = 0;
         if (y < tested.bottom) {
+            const Kpr8u* const centre = images.centre[y] + tested.left;
             findInRow<true>(
-                arc, ring, images.centre[y] + tested.left,
-                width, [&](auto part, Kpr64s x, const Found& found) __attribute__((always_inline)) {
-                    store(below->score + x, found.score, part);
-                    below->bright[x / kStep] = found.bright;
-                    below->dark[x / kStep] = found.dark;
+                arc, ring, centre, width,
+                [&any, to = *below ](auto part, Kpr64s x, const Found& found) __attribute__((always_inline)) {
+                    store(to.score + x, found.score, part);
+                    to.bright[x / kStep] = found.bright;
+                    to.dark[x / kStep] = found.dark;
                     any |= found.bright | found.dark;
                 });
         } else {
@@ -178,7 +190,7 @@ void searchAs(const FastBlock& block, const Ring& ring, const Images& images, co
     if (scored && suppresses(block))
         searchAndSuppress<Arc>(ring, images, tested, out, buffer);
     else
-        search<scored, Arc>(ring, images, tested, out);
+        search<scored, Arc>(ring, tested, out);
 }
 
 template <bool scored>

@@ -56,9 +56,11 @@ class AnyArc {
   public:
     explicit AnyArc(const Ring& ring) : ring_(ring) {}
 
+    // Which of the candidates are corners.
     template <bool scored, typename Part>
-    KPR_INLINE Found find(Part part, const Kpr8u* c, Bytes64 centre, Bytes64 high, Bytes64 low, Bits64 bright,
-                          Bits64 dark) const {
+    [[gnu::noinline]] Found find(Part part, const Kpr8u* c, Bits64 bright, Bits64 dark) const {
+        const Bytes64 centre = loadOnce(c, part), limit = broadcast(ring_.limit);
+        const Bytes64 high = addSaturated(centre, limit), low = subtractSaturated(centre, limit);
         const int n = ring_.points;
         // Two pairs of points between the compass points.
         const auto at = [&](int i) __attribute__((always_inline)) { return loadOnce(c + ring_.offset[i], part); };
@@ -149,9 +151,11 @@ class Arc9Of16 {
   public:
     explicit Arc9Of16(const Ring& ring) : ring_(ring) {}
 
+    // Which of the candidates are corners.
     template <bool scored, typename Part>
-    KPR_INLINE Found find(Part part, const Kpr8u* c, Bytes64 centre, Bytes64 high, Bytes64 low, Bits64 bright,
-                          Bits64 dark) const {
+    [[gnu::noinline]] Found find(Part part, const Kpr8u* c, Bits64 bright, Bits64 dark) const {
+        const Bytes64 centre = loadOnce(c, part), limit = broadcast(ring_.limit);
+        const Bytes64 high = addSaturated(centre, limit), low = subtractSaturated(centre, limit);
         Bytes64 p[16];
         takeTurns<16>([&](auto i) __attribute__((always_inline)) { p[i] = loadOnce(c + ring_.offset[i], part); });
         bright &= Bright::beyond(reachOfPairs<Bright>(p[2], p[10], p[6], p[14]), high);
@@ -189,7 +193,7 @@ class Arc9Of16 {
     Ring ring_;
 };
 
-// put(part, x, found) for every step of `count` centres from `row` on; nearly all steps find nothing.
+// put(part, x, found) for every step of `count` centres from `row` on. Nearly all steps find nothing, by few loads.
 template <bool scored, typename Arc, typename Put>
 KPR_INLINE void findInRow(const Arc& arc, const Ring& ring, const Kpr8u* row, Kpr64s count, Put put) {
     const int n = ring.points;
@@ -199,16 +203,15 @@ KPR_INLINE void findInRow(const Arc& arc, const Ring& ring, const Kpr8u* row, Kp
     walkColumns<kLanes<Kpr8u>>(
         count, [&](auto part, Kpr64s x) __attribute__((always_inline)) {
             const Kpr8u* const c = row + x;
-            const Bytes64 centre = loadOnce(c, part);
-            const Bytes64 high = addSaturated(centre, limit), low = subtractSaturated(centre, limit);
             const Bytes64 p0 = loadOnce(c + below, part), p1 = loadOnce(c + left, part);
             const Bytes64 p2 = loadOnce(c + above, part), p3 = loadOnce(c + right, part);
-            const Bits64 bright = Bright::beyond(reachOfPairs<Bright>(p0, p2, p1, p3), high);
-            const Bits64 dark = Dark::beyond(reachOfPairs<Dark>(p0, p2, p1, p3), low);
-            Found found = {0, 0, zero<Kpr8u>()};
-            if ((bright | dark) != 0) [[unlikely]]
-                found = arc.template find<scored>(part, c, centre, high, low, bright, dark);
-            put(part, x, found);
+            const Bytes64 centre = loadOnce(c, part);
+            const Bits64 bright = Bright::beyond(reachOfPairs<Bright>(p0, p2, p1, p3), addSaturated(centre, limit));
+            const Bits64 dark = Dark::beyond(reachOfPairs<Dark>(p0, p2, p1, p3), subtractSaturated(centre, limit));
+            if ((bright | dark) == 0) [[likely]]
+                put(part, x, Found{0, 0, zero<Kpr8u>()});
+            else
+                put(part, x, arc.template find<scored>(part, c, bright, dark));
         });
 }
 

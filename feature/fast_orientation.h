@@ -33,7 +33,7 @@ class Orientation {
         const First part(count_);
         Vec<Kpr32f> a = zero<Kpr32f>(), b = zero<Kpr32f>();
         for (int i = 0; i < points_; ++i) {
-            const Vec<Kpr32f> d = toFloat(loadAs<Kpr32s>(difference_ + i * kGroup, part));
+            const Vec<Kpr32f> d = toFloat(loadAs<Kpr32s>(difference_ + Kpr64s{i} * kGroup, part));
             a = a + d * broadcast(sine_[i]);
             b = b + d * broadcast(cosine_[i]);
         }

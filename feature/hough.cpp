@@ -53,8 +53,7 @@ class LineList {
             lines_, lines_ + count_, line, [](const Listed& a, const Listed& b) { return a.votes > b.votes; });
         const auto at = static_cast<int>(behind - lines_);
         if (at == room_) return;
-        const int moved = std::min(count_, room_ - 1) - at;
-        __builtin_memmove(lines_ + at + 1, lines_ + at, static_cast<std::size_t>(moved) * sizeof(Listed));
+        for (int i = std::min(count_, room_ - 1); i > at; --i) lines_[i] = lines_[i - 1];
         lines_[at] = line;
         if (count_ < room_) ++count_;
     }

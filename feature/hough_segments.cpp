@@ -105,7 +105,7 @@ class Votes {
         Winner winner = {threshold - 1, 0};
         Counter* const counters = counters_;
         forAngles(
-            x, y, [&](int angle, unsigned at) __attribute__((always_inline)) {
+            x, y, [&](int angle, Kpr32s at) __attribute__((always_inline)) {
                 const auto votes = static_cast<Counter>(counters[at] + 1);
                 counters[at] = votes;
                 if (votes > winner.votes) [[unlikely]]
@@ -117,7 +117,7 @@ class Votes {
     void takeBack(Kpr64s x, Kpr64s y) {
         Counter* const counters = counters_;
         forAngles(
-            x, y, [&](int, unsigned at) __attribute__((always_inline)) { --counters[at]; });
+            x, y, [&](int, Kpr32s at) __attribute__((always_inline)) { --counters[at]; });
     }
 
     [[nodiscard]] KprRhoTheta direction(int angle) const {
@@ -127,18 +127,37 @@ class Votes {
     }
 
   private:
-    // visit(angle, at) for the counter of each angle at which the point has a line.
+    // visit(angle, at) for the counter of each angle at which the point has a line. Where counters are is found for many
+    // angles before the first is visited: what was just stored as a vector is slow to be read by the lane.
     template <typename Visit>
     KPR_INLINE void forAngles(Kpr64s x, Kpr64s y, Visit visit) const {
+        alignas(64) Kpr32s at[kMostAngles];
+        Vec<Kpr32s> first = Layout<Counter>::first(lines_.distances);
+        for (Kpr64s begin = 0; begin < angles_; begin += kMostAngles) {
+            const Kpr64s count = std::min<Kpr64s>(angles_ - begin, kMostAngles);
+            const bool all = place(x, y, begin, count, &first, at);
+            if (all) [[likely]] {
+#pragma GCC unroll 8
+                for (Kpr64s i = 0; i < count; ++i) visit(static_cast<int>(begin + i), at[i]);
+            } else {
+                for (Kpr64s i = 0; i < count; ++i) {
+                    if (at[i] >= 0) visit(static_cast<int>(begin + i), at[i]);
+                }
+            }
+        }
+    }
+
+    // Where the counters of `count` angles from `begin` on are, -1 where there is none; whether there is one for all.
+    KPR_INLINE bool place(Kpr64s x, Kpr64s y, Kpr64s begin, Kpr64s count, Vec<Kpr32s>* first, Kpr32s* at) const {
         const Vec<Kpr32f> across = broadcast(static_cast<Kpr32f>(x)), down = broadcast(static_cast<Kpr32f>(y));
         const Vec<Kpr32f> rho = broadcast(rho_);
         const Vec<Kpr32s> even = laneConstant<Kpr32s>([](int i) { return 2 * i; });
-        const auto range = broadcast(static_cast<unsigned>(lines_.distances - 1));
-        Vec<Kpr32s> first = Layout<Counter>::first(lines_.distances);
         const Vec<Kpr32s> group = broadcast(static_cast<Kpr32s>(Layout<Counter>::groupOf(lines_.distances)));
-        const auto* pairs = reinterpret_cast<const Kpr32s*>(pairs_);
+        const auto range = broadcast(static_cast<unsigned>(lines_.distances - 1));
+        const auto* const pairs = reinterpret_cast<const Kpr32s*>(pairs_) + 2 * begin;
+        Bits64 missing = 0;
         walkColumns<kGroup>(
-            angles_, [&](auto part, Kpr64s k) __attribute__((always_inline)) {
+            count, [&](auto part, Kpr64s k) __attribute__((always_inline)) {
                 const auto [lower, upper] = halves(part);
                 const Vec<Kpr32s> a = load(pairs + 2 * k, lower), b = load(pairs + 2 * k + kGroup, upper);
                 const auto cosine = as<Kpr32f>(permute(a, b, even)),
@@ -146,20 +165,12 @@ class Votes {
                 Vec<Kpr32f> distance = across * cosine + down * sine;
                 if (rho_ != 1) distance = distance / rho;
                 const Vec<Kpr32s> index = toInteger(distance) + broadcast(static_cast<Kpr32s>(lines_.offset));
-                const Bits64 counts = (part & Lanes{atMost(as<unsigned>(index), range)}).bits;
-                const Spilled at(first + Layout<Counter>::place(index));
-                if (counts == 0xffff) {
-                    takeTurns<kGroup>([&](auto i) __attribute__((always_inline)) {
-                        visit(static_cast<int>(k) + i, at.lane[i]);
-                    });
-                } else {
-                    for (Bits64 left = counts; left != 0; left &= left - 1) {
-                        const int i = std::countr_zero(left);
-                        visit(static_cast<int>(k) + i, at.lane[i]);
-                    }
-                }
-                first = first + group;
+                const auto counts = atMost(as<unsigned>(index), range);
+                missing |= (part & Lanes{static_cast<Mask<Kpr32s>>(~counts)}).bits;
+                store(at + k, select(counts, *first + Layout<Counter>::place(index), broadcast(-1)), part);
+                *first = *first + group;
             });
+        return missing == 0;
     }
     struct AllHalves {
         All lower, upper;
@@ -169,9 +180,11 @@ class Votes {
     };
     KPR_INLINE static AllHalves halves(All) { return {}; }
     KPR_INLINE static FirstHalves halves(First part) {
-        const Kpr64s elements = 2 * std::popcount(part.bits);
-        return {First{std::min<Kpr64s>(elements, kGroup)}, First{std::max<Kpr64s>(elements - kGroup, 0)}};
+        const int elements = 2 * std::popcount(part.bits);
+        return {First{std::min(elements, kGroup)}, First{std::max(elements - kGroup, 0)}};
     }
+
+    static constexpr Kpr64s kMostAngles = 256;
 
     const Kpr8u* pairs_;
     int angles_;

@@ -27,7 +27,7 @@ inline bool tilesServe(KprSize roi, const Lines& lines, const Angles& angles) {
     const Kpr64s right = (roi.width + kTile - 1) & -kTile, bottom = (roi.height + kTile - 1) & -kTile;
     for (Kpr64s k = 0; k < lines.angles; ++k) {
         const Kpr64s across = angles.cosine[k], down = angles.sine[k], length = across < 0 ? -across : across;
-        if (down < 0 || (kTile - 1) * (length + down) + 1023 >= 16 * 1024) return false;
+        if (down < 0 || (kTile - 1) * (length + down) + 1023 >= Kpr64s{16} * 1024) return false;
         const Kpr64s least = across < 0 ? across * right : 0,
                      most = (across > 0 ? across * right : 0) + down * bottom + 512;
         if ((least >> 10) + lines.offset < 1 || (most >> 10) + lines.offset + 16 >= lines.distances) return false;
@@ -40,9 +40,9 @@ inline bool tilesServe(KprSize roi, const Lines& lines, const Angles& angles) {
 struct Tiles {
     const Tile* begin;
     const Tile* end;
-    Kpr64s points;
+    Kpr64s points = 0;
 
-    Tiles(Rows<const Kpr8u> src, KprSize roi, Tile* tiles) : begin(tiles), points(0) {
+    Tiles(Rows<const Kpr8u> src, KprSize roi, Tile* tiles) : begin(tiles) {
         for (int y = 0; y < roi.height; y += kTile) {
             const int rows = std::min(roi.height - y, kTile);
             for (int x = 0; x < roi.width; x += 64) {

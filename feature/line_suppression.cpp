@@ -35,7 +35,7 @@ constexpr Bytes bufferBytes(int width) {
 struct Derivation {
     Rows<const Kpr8u> src;
     KprSize roi;
-    KprFilterType filter;
+    int filter;
     KprMaskSize mask;
     KprBorderType border;
     Kpr8u value;
@@ -235,9 +235,8 @@ KprStatus kpriLineSuppressionGetBufferSize(KprSize roiSize, int avgWindow, int* 
 }
 
 KprStatus kpriLineSuppression_8u_C1R(const Kpr8u* src, int srcStep, const Kpr8u* feature, int featureStep, Kpr8u* dst,
-                                     int dstStep, KprSize roiSize, KprFilterType filter, KprMaskSize filterMask,
-                                     int avgWindow, Kpr32f threshold, KprBorderType borderType, Kpr8u borderValue,
-                                     Kpr8u* buffer) {
+                                     int dstStep, KprSize roiSize, int filter, KprMaskSize filterMask, int avgWindow,
+                                     Kpr32f threshold, KprBorderType borderType, Kpr8u borderValue, Kpr8u* buffer) {
     const bool sobel = filter == kprFilterSobel;
     return firstFailure(
                notNull(src, feature, dst, buffer), failIf(dst == src, kprStatusInPlaceUnsupported), roiHolds(roiSize),

@@ -186,7 +186,7 @@ class PeakSearch {
     template <typename Part, typename Where>
     KPR_INLINE void step(Part part, Where where, const T* row, Kpr64s x, Kpr64s y) {
         const Vec<T> c = load(row + x, part);
-        Mask<T> peaks = static_cast<Mask<T>>((part & Lanes{less(limit_, c)}).bits);
+        auto peaks = static_cast<Mask<T>>((part & Lanes{less(limit_, c)}).bits);
         if (peaks == 0) return;
         const Vec<T> none = broadcast(kNoNeighbour);
         const auto before = [&](const T* from, int d) __attribute__((always_inline)) {
@@ -223,7 +223,7 @@ class PeakSearch {
 
 template <typename T>
 KprStatus findPeaks(const T* src, int srcStep, KprSize roi, T threshold, KprPoint* peaks, int maxPeakCount,
-                    int* peakCount, KprNormType norm, int border, Kpr8u* buffer) {
+                    int* peakCount, int norm, int border, Kpr8u* buffer) {
     PeakList list(maxPeakCount, buffer);
     PeakSearch<T>({src, srcStep}, roi, threshold, norm == kprNormInf, &list).run(border);
     return list.finish(peaks, peakCount);
@@ -234,7 +234,7 @@ KprStatus peakBufferSize(int maxPeakCount, int* bufferSize) {
                ?: putSize(bufferBytes(maxPeakCount), bufferSize);
 }
 
-KprStatus searchHolds(int maxPeakCount, int border, KprNormType norm) {
+KprStatus searchHolds(int maxPeakCount, int border, int norm) {
     return firstFailure(failIf(maxPeakCount < 1 || border < 0, kprStatusBadArg),
                         failIf(norm != kprNormInf && norm != kprNormL1, kprStatusBadNorm));
 }
@@ -254,7 +254,7 @@ KprStatus kpriFindPeaks3x3GetBufferSize_32f_C1R(int maxPeakCount, int* bufferSiz
 }
 
 KprStatus kpriFindPeaks3x3_32s_C1R(const Kpr32s* src, int srcStep, KprSize roiSize, Kpr32s threshold, KprPoint* peaks,
-                                   int maxPeakCount, int* peakCount, KprNormType norm, int border, Kpr8u* buffer) {
+                                   int maxPeakCount, int* peakCount, int norm, int border, Kpr8u* buffer) {
     return firstFailure(notNull(src, peaks, peakCount, buffer), roiHolds(roiSize),
                         rowsFit<Kpr32s>(roiSize.width, srcStep), stepsAlign<Kpr32s>(srcStep),
                         searchHolds(maxPeakCount, border, norm))
@@ -262,7 +262,7 @@ KprStatus kpriFindPeaks3x3_32s_C1R(const Kpr32s* src, int srcStep, KprSize roiSi
 }
 
 KprStatus kpriFindPeaks3x3_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f threshold, KprPoint* peaks,
-                                   int maxPeakCount, int* peakCount, KprNormType norm, int border, Kpr8u* buffer) {
+                                   int maxPeakCount, int* peakCount, int norm, int border, Kpr8u* buffer) {
     return firstFailure(notNull(src, peaks, peakCount, buffer), roiHolds(roiSize),
                         rowsFit<Kpr32f>(roiSize.width, srcStep), stepsAlign<Kpr32f>(srcStep),
                         searchHolds(maxPeakCount, border, norm))

@@ -106,6 +106,8 @@ int main(int argc, char** argv) {
         tour::tourFilters(tour);
         tour::tourMorphology(tour);
         tour::tourCoins(tour);
+        tour::tourCorners(tour);
+        tour::tourLines(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';

@@ -64,5 +64,7 @@ void tourGaussian(Tour& tour);
 void tourFilters(Tour& tour);
 void tourMorphology(Tour& tour);
 void tourCoins(Tour& tour);
+void tourCorners(Tour& tour);
+void tourLines(Tour& tour);
 
 }  // namespace tour

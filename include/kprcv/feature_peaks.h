@@ -34,9 +34,9 @@ KprStatus kpriFindPeaks3x3GetBufferSize_32f_C1R(int maxPeakCount, int* bufferSiz
  * kprStatusNullPtr, kprStatusBadSize, kprStatusBadStep, kprStatusStepNotMultiple, kprStatusBadArg for maxPeakCount or
  * border, kprStatusBadNorm. */
 KprStatus kpriFindPeaks3x3_32s_C1R(const Kpr32s* src, int srcStep, KprSize roiSize, Kpr32s threshold, KprPoint* peaks,
-                                   int maxPeakCount, int* peakCount, KprNormType norm, int border, Kpr8u* buffer);
+                                   int maxPeakCount, int* peakCount, int norm, int border, Kpr8u* buffer);
 KprStatus kpriFindPeaks3x3_32f_C1R(const Kpr32f* src, int srcStep, KprSize roiSize, Kpr32f threshold, KprPoint* peaks,
-                                   int maxPeakCount, int* peakCount, KprNormType norm, int border, Kpr8u* buffer);
+                                   int maxPeakCount, int* peakCount, int norm, int border, Kpr8u* buffer);
 
 /* The bytes of working memory of the line suppression, stored to *bufferSize: about 60 a column, whatever the height.
  *
@@ -55,7 +55,7 @@ KprStatus kpriLineSuppressionGetBufferSize(KprSize roiSize, int avgWindow, int* 
  * src           the image; beside the ROI, what borderType says: a flagged side is read as far as the mask reaches
  * feature       the map; every value but 0 is a candidate
  * dst           may be the same image as feature, with the same step, and not src
- * filter        kprFilterSobel with kprMaskSize3x3 or kprMaskSize5x5, kprFilterScharr with kprMaskSize3x3: unscaled
+ * filterType    kprFilterSobel with kprMaskSize3x3 or kprMaskSize5x5, kprFilterScharr with kprMaskSize3x3: unscaled
  * avgWindow     3 or 5: the window's side
  * threshold     at least 1, finite
  * borderType    kprBorderConstant with borderValue, kprBorderReplicate, kprBorderMirror, with any flags, or
@@ -66,7 +66,7 @@ KprStatus kpriLineSuppressionGetBufferSize(KprSize roiSize, int avgWindow, int* 
  * kprStatusBadSize; kprStatusBadStep; kprStatusBadAlgorithm for the filter; kprStatusBadMaskSize; kprStatusBadBorder;
  * kprStatusBadArg for the window or the threshold. */
 KprStatus kpriLineSuppression_8u_C1R(const Kpr8u* src, int srcStep, const Kpr8u* feature, int featureStep, Kpr8u* dst,
-                                     int dstStep, KprSize roiSize, KprFilterType filter, KprMaskSize filterMask,
+                                     int dstStep, KprSize roiSize, int filterType, KprMaskSize filterMask,
                                      int avgWindow, Kpr32f threshold, KprBorderType borderType, Kpr8u borderValue,
                                      Kpr8u* buffer);
 

@@ -99,14 +99,8 @@ typedef int32_t KprMaskSize;
 
 enum { kprMaskSize3x3 = 33, kprMaskSize5x5 = 55 };
 
-/* The norm word: how several differences make one. */
-typedef int32_t KprNormType;
-
+/* The norm word and the filter word of functions that take one. */
 enum { kprNormInf = 1, kprNormL1 = 2, kprNormL2 = 4 };
-
-/* The filter word: the kernels of a first derivative. */
-typedef int32_t KprFilterType;
-
 enum { kprFilterSobel = 2, kprFilterScharr = 5, kprFilterCentralDifference = 8 };
 
 /* The border word: a base mode, and flags for the sides on which the pixels outside the ROI are valid memory and are

@@ -14,7 +14,7 @@ using test::Random;
 __extension__ typedef __int128 Wide;
 
 struct Kernels {
-    KprFilterType filter;
+    int filter;
     KprMaskSize mask;
     std::vector<int> slope, smooth;
 };

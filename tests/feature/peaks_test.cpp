@@ -12,7 +12,7 @@ using test::GuardedImage;
 using test::Random;
 
 template <typename T>
-bool isPeak(GuardedImage<T>& image, int x, int y, T threshold, KprNormType norm) {
+bool isPeak(GuardedImage<T>& image, int x, int y, T threshold, int norm) {
     const T c = image.at(x, y);
     if (!(c > threshold)) return false;
     for (int dy = -1; dy <= 1; ++dy) {
@@ -37,7 +37,7 @@ void check(Function function, KprSize size, int kind, int wanted, int border, Ra
     if (kind == 3) image.forEach([&](T& p) { p = random.oneIn(40) ? p : T{}; });
     const T thresholds[] = {T{0}, T{-1}, std::numeric_limits<T>::lowest(), T{30}, std::numeric_limits<T>::quiet_NaN()};
     const T threshold = thresholds[random.range(0, 4)];
-    const KprNormType norm = random.oneIn(2) ? kprNormInf : kprNormL1;
+    const int norm = random.oneIn(2) ? kprNormInf : kprNormL1;
     SCOPED_TRACE(testing::Message() << size.width << " x " << size.height << ", kind " << kind << ", wanted " << wanted
                                     << ", border " << border << ", threshold " << +threshold << ", norm " << norm);
     std::vector<KprPoint> expected;
