@@ -19,12 +19,21 @@ namespace {
 constexpr int kLevels = 256;
 constexpr Kpr8u kWall = 255;
 
+// The elements of pairs.
+KPR_INLINE All twice(All part) { return part; }
+KPR_INLINE First twice(First part) { return First{2 * std::popcount(part.bits)}; }
+
 // Pixels by number, doubly linked; the list of level l begins and ends at the place behind all pixels and l others.
 class LevelLists {
   public:
     LevelLists(Workspace& space, Kpr64s pixels)
         : links_(space.take<Link>(pixels + kLevels)), heads_(links_ + pixels), firstHead_(static_cast<Kpr32s>(pixels)) {
-        for (int level = 0; level < kLevels; ++level) heads_[level] = {firstHead_ + level, firstHead_ + level};
+        // Every place is linked to itself: the ends of empty lists, and pixels that are in none.
+        walkColumns<kLanes<Kpr32s> / 2>(pixels + kLevels, [&](auto part, Kpr64s place) {
+            const auto places = laneConstant<Kpr32s>([](int i) { return i / 2; });
+            store(reinterpret_cast<Kpr32s*>(links_ + place), places + broadcast(static_cast<Kpr32s>(place)),
+                  twice(part));
+        });
     }
 
     KPR_INLINE void append(Kpr32s pixel, int level) {
@@ -35,6 +44,7 @@ class LevelLists {
         filled_[level / 64] |= Bits64{1} << level % 64;
     }
 
+    // Of a pixel that is in no list nothing happens: that costs less than to find it out.
     KPR_INLINE void remove(Kpr32s pixel) {
         const Link link = links_[pixel];
         links_[link.before].behind = link.behind;
@@ -160,7 +170,7 @@ class ColourSteps {
             const int i = std::countr_zero(better);
             const auto other = static_cast<Kpr32s>(pixel + offsets_[i]);
             const auto level = static_cast<Kpr8u>(levels >> 8 * i);
-            if (labels_[other] != 0) lists_.remove(other);
+            lists_.remove(other);
             labels_[other] = label;
             levels_[other] = level;
             lists_.append(other, level);
