@@ -1,7 +1,7 @@
-// Growing markers over an image in the order of the steps between neighbours. The step between two pixels is the largest
-// difference of a channel. A labelled pixel offers its label to each unlabelled neighbour at the level of the step to it; a
-// pixel keeps its lowest offer, of equals the earliest. The pixel with the lowest offer of all, and among equals the
-// earliest, takes the label and makes its own offers. Levels may fall.
+// Growing markers over an image in the order of the steps between neighbours. The step between two pixels is the
+// largest difference of a channel. A labelled pixel offers its label to each unlabelled neighbour at the level of the
+// step to it; a pixel keeps its lowest offer, of equals the earliest. The pixel with the lowest offer of all, and among
+// equals the earliest, takes the label and makes its own offers. Levels may fall.
 //
 // Offers wait in one list for each level, first in, first out.
 #include <bit>
@@ -18,8 +18,8 @@ namespace {
 
 constexpr Kpr8u kWall = 255;
 
-// For each pixel its label, its level and the room of the lists; rows of levels above and below; the lists' ends. Together no
-// more than 14 bytes a pixel and 4096.
+// For each pixel its label, its level and the room of the lists; rows of levels above and below; the lists' ends.
+// Together no more than 14 bytes a pixel and 4096.
 constexpr Bytes stepBytes(KprSize roi) {
     const Bytes width = roi.width, pixels = width * roi.height;
     const bool large = pixels >= Bytes{BlockLists::kFewest};
@@ -72,8 +72,8 @@ class ColourSteps {
     }
 
   private:
-    // The level of a pixel without an offer; one with an offer at that level has a label. Labelled pixels have level 0, which
-    // no offer is below.
+    // The level of a pixel without an offer; one with an offer at that level has a label. Labelled pixels have level 0,
+    // which no offer is below.
     static constexpr Kpr8u kUnoffered = 255;
 
     KPR_INLINE void offer(Kpr32s pixel) {
@@ -131,8 +131,8 @@ class ColourSteps {
     Lists lists_;
 };
 
-// Every labelled pixel with a right or lower neighbour - with diagonals to either side below, too - of another label becomes a
-// wall. What is looked at lies right or below and has not been drawn yet.
+// Every labelled pixel with a right or lower neighbour - with diagonals to either side below, too - of another label
+// becomes a wall. What is looked at lies right or below and has not been drawn yet.
 void drawWalls(Rows<Kpr8u> marker, KprSize roi, bool diagonals) {
     const Kpr64s width = roi.width;
     const auto wall = broadcast(kWall);

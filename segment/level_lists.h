@@ -1,5 +1,5 @@
-// Pixels that wait in one list for each of 256 levels, first in, first out. A pixel waits at one level; when it is told to wait
-// at a lower one it leaves the other.
+// Pixels that wait in one list for each of 256 levels, first in, first out. A pixel waits at one level; when it is told
+// to wait at a lower one it leaves the other.
 #pragma once
 
 #include <bit>
@@ -29,9 +29,10 @@ class LevelSet {
 
 // The elements of pairs.
 KPR_INLINE All twice(All part) { return part; }
-KPR_INLINE First twice(First part) { return First{2 * std::popcount(part.bits)}; }
+KPR_INLINE First twice(First part) { return First{Kpr64s{2} * std::popcount(part.bits)}; }
 
-// For small images: pixels by number, doubly linked; the list of level l begins and ends at the place behind all pixels and l others.
+// For small images: pixels by number, doubly linked; the list of level l begins and ends at the place behind all pixels
+// and l others.
 class LinkedLists {
   public:
     LinkedLists(Workspace space, Kpr64s pixels, const Kpr8u* /*levels*/)
@@ -82,17 +83,17 @@ class LinkedLists {
     LevelSet filled_;  // levels whose lists may hold something
 };
 
-// For large images, where links would lie far apart: a list is a chain of blocks of 15 pixels, read and written from end to
-// end. A pixel that leaves is left where it is and passed over when its turn comes: `levels` tells where it waits now.
-// When no block is left, pixels that have left are cleared away; those that wait need one place each, and every level
-// two blocks that are not full.
+// For large images, where links would lie far apart: a list is a chain of blocks of 15 pixels, read and written from
+// end to end. A pixel that leaves is left where it is and passed over when its turn comes: `levels` tells where it
+// waits now. When no block is left, pixels that have left are cleared away; those that wait need one place each, and
+// every level two blocks that are not full.
 class BlockLists {
   public:
     static constexpr Kpr64s kFewest = 16384;  // pixels of an image that 12 bytes each are enough for
 
     BlockLists(Workspace space, Kpr64s pixels, const Kpr8u* levels) : levels_(levels) {
         mustHold(pixels >= kFewest);
-        const auto roots = space.take<Block>(kLevels, 64);
+        auto* const roots = space.take<Block>(kLevels, 64);
         for (int level = 0; level < kLevels; ++level) read_[level] = write_[level] = &roots[level].next;
         blockCount_ = static_cast<Kpr32s>(space.left<Block>(64));
         blocks_ = space.take<Block>(blockCount_, 64);

@@ -12,8 +12,8 @@ struct Norm {
     Kpr32s side, corner;  // weights of steps
 };
 
-// `march` is the weight of a straight step of marching fronts. A single column has steps of no weight to the row above and
-// below, whatever the norm.
+// `march` is the weight of a straight step of marching fronts. A single column has steps of no weight to the row above
+// and below, whatever the norm.
 constexpr Norm normOf(int code, KprSize roi, Kpr32s march) {
     if (roi.width == 1 || code == kprSegNormCity) return {Family::Four, 0, 0};
     if (code == kprSegNormEuclid) return {Family::Eight, 10, 14};

@@ -1,7 +1,7 @@
 // Watershed of an 8-bit relief by sweeps down and up the image until nothing changes.
 //
-// The cost of a path is one word: the highest relief on it, shifted by 23, and below that its length since the last rise.
-// From a neighbour n
+// The cost of a path is one word: the highest relief on it, shifted by 23, and below that its length since the last
+// rise. From a neighbour n
 //
 //     cost = max(cost(n) + weight + 1, relief << 23)
 //
@@ -53,9 +53,9 @@ class SweptWatershed {
   private:
     static constexpr Kpr32s kUnreached = 0x7fc00000;
 
-    // A way to a pixel: the cost of a neighbour with the weight of the step from it, and below that its turn, in one word,
-    // so that the smaller word is the better way. Beside comes first, then the first corner, above or below, the other
-    // corner.
+    // A way to a pixel: the cost of a neighbour with the weight of the step from it, and below that its turn, in one
+    // word, so that the smaller word is the better way. Beside comes first, then the first corner, above or below, the
+    // other corner.
     enum Turn { kBeside, kCorner, kVertical, kOtherCorner };
     struct Way {
         Kpr64s word;
@@ -68,7 +68,8 @@ class SweptWatershed {
     // The way's direction. Codes run around the pixel, from the left one the turns are next to one another.
     template <int dy, bool rightward>
     KPR_INLINE static Kpr8u directionOf(Way way) {
-        static_assert(kLeft - kAbove == kVertical && kBelow - kLeft == kVertical);
+        static_assert(kLeft - kAbove == kVertical);
+        static_assert(kBelow - kLeft == kVertical);
         if constexpr (rightward) return static_cast<Kpr8u>(kLeft + dy * way.turn());
         return way.turn() == kBeside ? kRight : dy < 0 ? kAbove : kBelow;
     }
@@ -175,8 +176,8 @@ class SweptWatershed {
         return way;
     }
 
-    // Visits a row, against the row `dy` away, to the right and back; of a row at rest nothing, and where `checking` only
-    // dirty pixels. Tells whether anything changed.
+    // Visits a row, against the row `dy` away, to the right and back; of a row at rest nothing, and where `checking`
+    // only dirty pixels. Tells whether anything changed.
     template <Family family, int dy, bool checking>
     bool visit(Kpr64s y) {
         if (checking && rowFlags_[y] == 0) return false;
