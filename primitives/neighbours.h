@@ -1,5 +1,5 @@
-// The neighbours of a pixel in the order in which floods visit them: left, right, above, below, then upper left, upper right,
-// lower left, lower right. The first four are those of 4 neighbours.
+// The neighbours of a pixel in the order in which floods visit them: left, right, above, below, then upper left, upper
+// right, lower left, lower right. The first four are those of 4 neighbours.
 #pragma once
 
 #include "frame/api.h"

@@ -18,7 +18,8 @@ KPR_INLINE Mask<T> notAbove(Vec<T> a, Vec<T> b) {
 // As many of the lowest bits, 0 to 64.
 KPR_INLINE Bits64 lowBits(Kpr64s count) { return First{count}.bits; }
 
-// Writes `base` + the place of each set bit, in their order, and gives how many there are. Nothing is written behind them.
+// Writes `base` + the place of each set bit, in their order, and gives how many there are. Nothing is written behind
+// them.
 KPR_INLINE Kpr64s storePlaces(Kpr32s* dst, Bits64 set, Kpr64s base) {
     const auto places = laneConstant<Kpr32s>([](int i) { return i; });
     Kpr64s count = 0;
@@ -32,8 +33,8 @@ KPR_INLINE Kpr64s storePlaces(Kpr32s* dst, Bits64 set, Kpr64s base) {
     return count;
 }
 
-// ---- the eight neighbours of a pixel, a byte each: left, right, above, below, upper left, upper right, lower left, lower
-// right
+// ---- the eight neighbours of a pixel, a byte each: left, right, above, below, upper left, upper right, lower left,
+// lower right
 
 struct Eight {
     __m128i raw;  // its lower half

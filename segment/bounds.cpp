@@ -4,8 +4,8 @@
 //
 //     q is not a wall by now, and q != v
 //
-// Rows above are finished, so that only the left neighbour is a chain: in a stretch of pixels that each differ from the one
-// before, every second one becomes a wall.
+// Rows above are finished, so that only the left neighbour is a chain: in a stretch of pixels that each differ from the
+// one before, every second one becomes a wall.
 #include <bit>
 
 #include "frame/checks.h"
@@ -15,8 +15,8 @@
 namespace n0::segment {
 namespace {
 
-// Which of the pixels `differ` - from their left neighbour, and not walls for another reason - become walls. Bit 0 follows
-// a pixel that is a wall or not, as `wallBefore` says.
+// Which of the pixels `differ` - from their left neighbour, and not walls for another reason - become walls. Bit 0
+// follows a pixel that is a wall or not, as `wallBefore` says.
 KPR_INLINE Bits64 everySecond(Bits64 differ, Bits64 walls, Bits64 wallBefore) {
     constexpr Bits64 even = 0x5555555555555555;
     const Bits64 starts = differ & ~(differ << 1), afterWall = walls << 1 | wallBefore;

@@ -1,9 +1,9 @@
-// Growing markers over an image in the order of the steps between neighbours. The step between two pixels is the largest
-// difference of a channel. A labelled pixel offers its label to each unlabelled neighbour at the level of the step to it; a
-// pixel keeps its lowest offer, of equals the earliest. The pixel with the lowest offer of all, and among equals the
-// earliest, takes the label and makes its own offers. Levels may fall.
+// Growing markers over an image in the order of the steps between neighbours. The step between two pixels is the
+// largest difference of a channel. A labelled pixel offers its label to each unlabelled neighbour at the level of the
+// step to it; a pixel keeps its lowest offer, of equals the earliest. The pixel with the lowest offer of all, and among
+// equals the earliest, takes the label and makes its own offers. Levels may fall.
 //
-// Offers wait in one list for each level, first in, first out. A pixel is in one list at most: with a better offer it moves.
+// Offers wait in one list for each level, first in, first out.
 #include <bit>
 
 #include "frame/checks.h"
@@ -11,69 +11,22 @@
 #include "primitives/rows.h"
 #include "primitives/simd_segment.h"
 #include "primitives/sizes.h"
-#include "primitives/workspace.h"
+#include "segment/level_lists.h"
 
 namespace n0::segment {
 namespace {
 
-constexpr int kLevels = 256;
 constexpr Kpr8u kWall = 255;
 
-// Pixels by number, doubly linked; the list of level l begins and ends at the place behind all pixels and l others.
-class LevelLists {
-  public:
-    LevelLists(Workspace& space, Kpr64s pixels)
-        : links_(space.take<Link>(pixels + kLevels)), heads_(links_ + pixels), firstHead_(static_cast<Kpr32s>(pixels)) {
-        for (int level = 0; level < kLevels; ++level) heads_[level] = {firstHead_ + level, firstHead_ + level};
-    }
-
-    KPR_INLINE void append(Kpr32s pixel, int level) {
-        const Kpr32s last = heads_[level].before;
-        links_[pixel] = {last, firstHead_ + level};
-        links_[last].behind = pixel;
-        heads_[level].before = pixel;
-        filled_[level / 64] |= Bits64{1} << level % 64;
-    }
-
-    KPR_INLINE void remove(Kpr32s pixel) {
-        const Link link = links_[pixel];
-        links_[link.before].behind = link.behind;
-        links_[link.behind].before = link.before;
-    }
-
-    // The first pixel of the lowest level, taken out; -1 where there is none.
-    KPR_INLINE Kpr32s takeFirst() {
-        for (int word = 0; word < kLevels / 64; ++word) {
-            while (filled_[word] != 0) {
-                const int level = word * 64 + std::countr_zero(filled_[word]);
-                const Kpr32s pixel = heads_[level].behind;
-                if (pixel != firstHead_ + level) {
-                    remove(pixel);
-                    return pixel;
-                }
-                filled_[word] &= filled_[word] - 1;
-            }
-        }
-        return -1;
-    }
-
-  private:
-    struct Link {
-        Kpr32s before, behind;
-    };
-    Link* links_;
-    Link* heads_;
-    Kpr32s firstHead_;
-    Bits64 filled_[kLevels / 64] = {};  // levels whose lists may hold something
-};
-
-// For each pixel 8 bytes of links, its label and its level; rows of levels above and below; the lists' ends.
+// For each pixel its label, its level and the room of the lists; rows of levels above and below; the lists' ends.
+// Together no more than 14 bytes a pixel and 4096.
 constexpr Bytes stepBytes(KprSize roi) {
     const Bytes width = roi.width, pixels = width * roi.height;
-    return pixels * 10 + 2 * (width + 8) + 8 * kLevels + 8;
+    const bool large = pixels >= Bytes{BlockLists::kFewest};
+    return pixels * (large ? 13 : 10) + 2 * (width + 8) + (large ? 0 : 8 * kLevels) + 8;
 }
 
-template <int channels>
+template <int channels, typename Lists>
 class ColourSteps {
   public:
     ColourSteps(Rows<const Kpr8u> src, Rows<Kpr8u> marker, KprSize roi, bool diagonals, Workspace space)
@@ -84,9 +37,9 @@ class ColourSteps {
           inReach_(diagonals ? 0xff : 0x0f),
           rowOf_(~Bits64{0} / static_cast<Bits64>(roi.width)),
           offsets_(roi.width),
-          lists_(space, width_ * height_),
           labels_(space.take<Kpr8u>(width_ * height_)),
-          levels_(space.take<Kpr8u>(width_ * height_ + 2 * (width_ + 4)) + width_ + 4) {}
+          levels_(space.take<Kpr8u>(width_ * height_ + 2 * (width_ + 4)) + width_ + 4),
+          lists_(space, width_ * height_, levels_) {}
 
     void run() {
         for (Kpr64s y = 0; y < height_; ++y) {
@@ -119,8 +72,8 @@ class ColourSteps {
     }
 
   private:
-    // The level of a pixel without an offer; one with an offer at that level has a label. Labelled pixels have level 0, which
-    // no offer is below.
+    // The level of a pixel without an offer; one with an offer at that level has a label. Labelled pixels have level 0,
+    // which no offer is below.
     static constexpr Kpr8u kUnoffered = 255;
 
     KPR_INLINE void offer(Kpr32s pixel) {
@@ -160,7 +113,7 @@ class ColourSteps {
             const int i = std::countr_zero(better);
             const auto other = static_cast<Kpr32s>(pixel + offsets_[i]);
             const auto level = static_cast<Kpr8u>(levels >> 8 * i);
-            if (labels_[other] != 0) lists_.remove(other);
+            lists_.leave(other);
             labels_[other] = label;
             levels_[other] = level;
             lists_.append(other, level);
@@ -173,13 +126,13 @@ class ColourSteps {
     Bits64 inReach_;
     Bits64 rowOf_;  // 2^64 / width: a pixel's row without a division
     NeighbourOffsets<Kpr64s> offsets_;
-    LevelLists lists_;
     Kpr8u* labels_;  // given or offered
     Kpr8u* levels_;  // of the offer kept
+    Lists lists_;
 };
 
-// Every labelled pixel with a right or lower neighbour - with diagonals to either side below, too - of another label becomes a
-// wall. What is looked at lies right or below and has not been drawn yet.
+// Every labelled pixel with a right or lower neighbour - with diagonals to either side below, too - of another label
+// becomes a wall. What is looked at lies right or below and has not been drawn yet.
 void drawWalls(Rows<Kpr8u> marker, KprSize roi, bool diagonals) {
     const Kpr64s width = roi.width;
     const auto wall = broadcast(kWall);
@@ -223,7 +176,13 @@ KprStatus growAlongSteps(const Kpr8u* src, int srcStep, Kpr8u* marker, int marke
                      failIf((flag & ~walls) != 0, kprStatusBadMode));
     if (status != kprStatusOk) return status;
     const Workspace space(buffer, static_cast<Kpr64s>(stepBytes(roi)));
-    ColourSteps<channels>({src, srcStep}, {marker, markerStep}, roi, norm == kprSegNormChess, space).run();
+    const auto grow = [&]<typename Lists>(Lists*) {
+        ColourSteps<channels, Lists>({src, srcStep}, {marker, markerStep}, roi, norm == kprSegNormChess, space).run();
+    };
+    if (Kpr64s{roi.width} * roi.height >= BlockLists::kFewest)
+        grow(static_cast<BlockLists*>(nullptr));
+    else
+        grow(static_cast<LinkedLists*>(nullptr));
     if ((flag & walls) != 0) drawWalls({marker, markerStep}, roi, (flag & kprSegWall8) != 0);
     return kprStatusOk;
 }

@@ -61,8 +61,8 @@ class FloodFill {
   private:
     KPR_INLINE static Kpr32s narrow(Kpr64s x) { return static_cast<Kpr32s>(x); }
 
-    // Fills whatever passes in the columns from `from` to before `to` of a row beside the span, with all that is joined to
-    // it along that row.
+    // Fills whatever passes in the columns from `from` to before `to` of a row beside the span, with all that is joined
+    // to it along that row.
     template <typename Spans>
     KPR_INLINE void look(Spans& spans, Kpr64s y, Kpr64s from, Kpr64s to, const FloodSpan& parent, Kpr32s direction) {
         T* row = image_[y];

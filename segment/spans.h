@@ -22,8 +22,8 @@ struct LoneSpan {
 
 // Lone spans. A region of w x h pixels never has more than ((w + 1) * h + 2) / 3 of them waiting where a span ends at a
 // pixel that is not the region's: a span of n pixels leads to at most n + 1 more than it replaces and takes n + 1
-// columns with the one behind it, and those that wait take two each. 6 * w * h + 29 bytes hold that many. Spans that may
-// touch, as gradients make them, are no more than the pixels.
+// columns with the one behind it, and those that wait take two each. 6 * w * h + 29 bytes hold that many. Spans that
+// may touch, as gradients make them, are no more than the pixels.
 class LoneSpans {
   public:
     LoneSpans(void* memory, Kpr64s bytes)

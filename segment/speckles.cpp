@@ -5,8 +5,8 @@
 //
 // so that a slow ramp is one region.
 //
-// A row is cut into runs of pixels that belong together, and runs of rows that touch are joined. Runs of pixels that equal
-// the value are numbered among the others and never joined.
+// A row is cut into runs of pixels that belong together, and runs of rows that touch are joined. Runs of pixels that
+// equal the value are numbered among the others and never joined.
 #include "frame/checks.h"
 #include "primitives/simd_segment.h"
 #include "segment/joined_runs.h"

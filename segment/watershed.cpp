@@ -11,8 +11,8 @@ namespace {
 
 constexpr Kpr32s kMarch = 63, kMarchOfFloats = 255;
 
-// Callers know these sizes, and expect them to wrap where they do not fit. All that the queue and the sweeps use is no more
-// than the larger of the two terms.
+// Callers know these sizes, and expect them to wrap where they do not fit. All that the queue and the sweeps use is no
+// more than the larger of the two terms.
 template <typename Label>
 constexpr int integerBytes(KprSize roi) {
     const auto w = static_cast<Bytes32>(roi.width), h = static_cast<Bytes32>(roi.height), s = Bytes32{sizeof(Label)};

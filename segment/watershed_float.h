@@ -1,7 +1,7 @@
 // Watershed of a float relief by sweeps down and up the image until nothing changes.
 //
-// The cost of a path is a pair: the highest relief on it, its level, and its length since the last rise, its distance. Pairs
-// are ordered by level, then by distance. From the best neighbour n
+// The cost of a path is a pair: the highest relief on it, its level, and its length since the last rise, its distance.
+// Pairs are ordered by level, then by distance. From the best neighbour n
 //
 //     (relief, 0) where relief > level(n), else (level(n), distance(n) + weight + 1)
 #pragma once
@@ -121,7 +121,7 @@ class FloatWatershed {
 
     // Two ways at once, straight and aside. Fronts of one level that are no more than a step apart meet aslant, under
     // the root of twice the square of a step and one.
-    KPR_INLINE Way together(const Way& beside, const Way& straight) const {
+    KPR_INLINE static Way together(const Way& beside, const Way& straight) {
         Way way;
         way.orElse(beside);
         way.orElse(straight);

@@ -12,8 +12,8 @@ struct Norm {
     Kpr32s side, corner;  // weights of steps
 };
 
-// `march` is the weight of a straight step of marching fronts. A single column has steps of no weight to the row above and
-// below, whatever the norm.
+// `march` is the weight of a straight step of marching fronts. A single column has steps of no weight to the row above
+// and below, whatever the norm.
 constexpr Norm normOf(int code, KprSize roi, Kpr32s march) {
     if (roi.width == 1 || code == kprSegNormCity) return {Family::Four, 0, 0};
     if (code == kprSegNormEuclid) return {Family::Eight, 10, 14};
@@ -43,7 +43,7 @@ struct ParentOffsets {
 };
 
 // What two fronts of steps of 63, so far apart, gain over the nearer one alone.
-KPR_INLINE Kpr32s marchGain(Kpr32s apart) {
+KPR_INLINE Kpr32s marchGain(Kpr64s apart) {
     static constexpr Kpr8u gains[64] = {19, 18, 18, 17, 17, 16, 16, 15, 15, 14, 14, 14, 13, 13, 12, 12,
                                         11, 11, 11, 10, 10, 9,  9,  9,  8,  8,  8,  7,  7,  7,  6,  6,
                                         6,  5,  5,  5,  4,  4,  4,  4,  3,  3,  3,  3,  2,  2,  2,  2,

@@ -1,6 +1,6 @@
-// Watershed of an 8-bit relief in the order of levels. Each pixel waits once: a marker with an unlabelled neighbour at the
-// level of its relief, another pixel at the level of its relief or the one that the flood has reached, whichever is higher.
-// Within a level pixels come in the order in which they were told to wait. The level never falls.
+// Watershed of an 8-bit relief in the order of levels. Each pixel waits once: a marker with an unlabelled neighbour at
+// the level of its relief, another pixel at the level of its relief or the one that the flood has reached, whichever is
+// higher. Within a level pixels come in the order in which they were told to wait. The level never falls.
 #pragma once
 
 #include <bit>
@@ -31,8 +31,8 @@ class QueueWatershed {
         const Kpr64s pixels = width_ * height_, framed = pitch_ * (height_ + 2);
         waiting_ = space.take<Kpr32s>(pixels);
         reached_ = space.take<Kpr32s>(pixels);
-        Label* const labels = space.take<Label>(framed);
-        Kpr8u* const relief = space.take<Kpr8u>(framed);
+        auto* const labels = space.take<Label>(framed);
+        auto* const relief = space.take<Kpr8u>(framed);
         labels_ = labels + pitch_ + 1;
         relief_ = relief + pitch_ + 1;
         walkRow<kLanes<Label>>(

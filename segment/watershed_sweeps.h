@@ -1,7 +1,7 @@
 // Watershed of an 8-bit relief by sweeps down and up the image until nothing changes.
 //
-// The cost of a path is one word: the highest relief on it, shifted by 23, and below that its length since the last rise.
-// From a neighbour n
+// The cost of a path is one word: the highest relief on it, shifted by 23, and below that its length since the last
+// rise. From a neighbour n
 //
 //     cost = max(cost(n) + weight + 1, relief << 23)
 //
@@ -53,14 +53,26 @@ class SweptWatershed {
   private:
     static constexpr Kpr32s kUnreached = 0x7fc00000;
 
-    // The best way to a pixel so far: the cost of a neighbour and the weight of the step from it.
+    // A way to a pixel: the cost of a neighbour with the weight of the step from it, and below that its turn, in one
+    // word, so that the smaller word is the better way. Beside comes first, then the first corner, above or below, the
+    // other corner.
+    enum Turn { kBeside, kCorner, kVertical, kOtherCorner };
     struct Way {
-        Kpr32s sum;
-        Direction from;
-        KPR_INLINE void orElse(Kpr32s other, Direction direction) {
-            if (other < sum) *this = {other, direction};
-        }
+        Kpr64s word;
+        KPR_INLINE Way(Kpr32s sum, Turn turn) : word(Kpr64s{sum} * 4 + turn) {}
+        KPR_INLINE void orElse(Way other) { word = std::min(word, other.word); }
+        [[nodiscard]] KPR_INLINE Kpr32s sum() const { return static_cast<Kpr32s>(word >> 2); }
+        [[nodiscard]] KPR_INLINE int turn() const { return static_cast<int>(word & 3); }
     };
+
+    // The way's direction. Codes run around the pixel, from the left one the turns are next to one another.
+    template <int dy, bool rightward>
+    KPR_INLINE static Kpr8u directionOf(Way way) {
+        static_assert(kLeft - kAbove == kVertical);
+        static_assert(kBelow - kLeft == kVertical);
+        if constexpr (rightward) return static_cast<Kpr8u>(kLeft + dy * way.turn());
+        return way.turn() == kBeside ? kRight : dy < 0 ? kAbove : kBelow;
+    }
 
     template <Family family>
     void sweep() {
@@ -92,7 +104,7 @@ class SweptWatershed {
         }
     }
 
-    KPR_INLINE void take(Kpr64s x, Kpr64s y, Kpr32s cost, Direction from) {
+    KPR_INLINE void take(Kpr64s x, Kpr64s y, Kpr32s cost, Kpr8u from) {
         const Kpr64s i = y * width_ + x;
         costs_[i] = cost;
         codes_[i] = from;
@@ -104,14 +116,15 @@ class SweptWatershed {
         for (Kpr64s x = 1; x < width_; ++x) {
             if (codes_[x] != kMarked) take(x, 0, costOf(x, 0, plus(costs_[x - 1], norm_.side)), kLeft);
         }
-        for (Kpr64s x = width_ - 2; x >= 0; --x) tryRightFirst(x, 0, {plus(costs_[x + 1], norm_.side), kRight});
+        for (Kpr64s x = width_ - 2; x >= 0; --x) tryRightFirst<-1>(x, 0, {plus(costs_[x + 1], norm_.side), kBeside});
     }
 
+    template <int dy>
     KPR_INLINE void tryRightFirst(Kpr64s x, Kpr64s y, Way way) {
         const Kpr64s i = y * width_ + x;
         if (codes_[i] == kMarked) return;
-        const Kpr32s cost = costOf(x, y, way.sum);
-        if (cost < costs_[i]) take(x, y, cost, way.from);
+        const Kpr32s cost = costOf(x, y, way.sum());
+        if (cost < costs_[i]) take(x, y, cost, directionOf<dy, false>(way));
     }
 
     template <Family family>
@@ -120,17 +133,17 @@ class SweptWatershed {
         for (Kpr64s x = 0; x < width_; ++x) {
             if (codes_[y * width_ + x] == kMarked) continue;
             const Way way = wayRightward<family, -1>(x, y);
-            take(x, y, costOf(x, y, way.sum), way.from);
+            take(x, y, costOf(x, y, way.sum()), directionOf<-1, true>(way));
         }
-        for (Kpr64s x = width_ - 2; x >= 0; --x) tryRightFirst(x, y, wayLeftward<family, -1>(x, y));
+        for (Kpr64s x = width_ - 2; x >= 0; --x) tryRightFirst<-1>(x, y, wayLeftward<family, -1>(x, y));
     }
 
     // Two ways at once, straight and aside: the first-order step of a front that comes aslant.
-    KPR_INLINE static Way together(Kpr32s beside, Direction side, Kpr32s straight, Direction vertical) {
-        Way way = {beside, side};
-        way.orElse(straight, vertical);
-        const auto apart = static_cast<Kpr32s>(std::abs(Kpr64s{beside} - straight));
-        if (apart <= 63) way.sum = plus(way.sum, -marchGain(apart));
+    KPR_INLINE static Way together(Kpr32s beside, Kpr32s straight) {
+        Way way(beside, kBeside);
+        way.orElse({straight, kVertical});
+        const Kpr64s apart = std::abs(Kpr64s{beside} - straight);
+        if (apart <= 63) way.word -= Kpr64s{4} * marchGain(apart);
         return way;
     }
 
@@ -139,17 +152,14 @@ class SweptWatershed {
     KPR_INLINE Way wayRightward(Kpr64s x, Kpr64s y) const {
         const Kpr32s* const own = costs_ + y * width_ + x;
         const Kpr32s* const row = own + dy * width_;
-        constexpr Direction vertical = dy < 0 ? kAbove : kBelow;
         const Kpr32s straight = plus(row[0], norm_.side);
-        if (x == 0) return {straight, vertical};
+        if (x == 0) return {straight, kVertical};
         const Kpr32s left = plus(own[-1], norm_.side);
-        if constexpr (family == Family::March) return together(left, kLeft, straight, vertical);
-        Way way = {left, kLeft};
-        if constexpr (family == Family::Eight)
-            way.orElse(plus(row[-1], norm_.corner), dy < 0 ? kUpperLeft : kLowerLeft);
-        way.orElse(straight, vertical);
-        if (family == Family::Eight && x < width_ - 1)
-            way.orElse(plus(row[1], norm_.corner), dy < 0 ? kUpperRight : kLowerRight);
+        if constexpr (family == Family::March) return together(left, straight);
+        Way way(left, kBeside);
+        if constexpr (family == Family::Eight) way.orElse({plus(row[-1], norm_.corner), kCorner});
+        way.orElse({straight, kVertical});
+        if (family == Family::Eight && x < width_ - 1) way.orElse({plus(row[1], norm_.corner), kOtherCorner});
         return way;
     }
 
@@ -157,18 +167,17 @@ class SweptWatershed {
     template <Family family, int dy>
     KPR_INLINE Way wayLeftward(Kpr64s x, Kpr64s y) const {
         const Kpr32s* const own = costs_ + y * width_ + x;
-        constexpr Direction vertical = dy < 0 ? kAbove : kBelow;
         const Kpr32s right = plus(own[1], norm_.side);
-        Way way = {right, kRight};
+        Way way(right, kBeside);
         if constexpr (family == Family::Four) return way;
         const Kpr32s straight = plus(own[dy * width_], norm_.side);
-        if constexpr (family == Family::March) return together(right, kRight, straight, vertical);
-        way.orElse(straight, vertical);
+        if constexpr (family == Family::March) return together(right, straight);
+        way.orElse({straight, kVertical});
         return way;
     }
 
-    // Visits a row, against the row `dy` away, to the right and back; of a row at rest nothing, and where `checking` only
-    // dirty pixels. Tells whether anything changed.
+    // Visits a row, against the row `dy` away, to the right and back; of a row at rest nothing, and where `checking`
+    // only dirty pixels. Tells whether anything changed.
     template <Family family, int dy, bool checking>
     bool visit(Kpr64s y) {
         if (checking && rowFlags_[y] == 0) return false;
@@ -180,7 +189,8 @@ class SweptWatershed {
             while (const Bits64 next = (checking ? dirty[word] : ~Bits64{0}) & ahead) {
                 const Kpr64s x = word * 64 + std::countr_zero(next);
                 ahead = inRow & ~(next ^ (next - 1));
-                if (codes_[y * width_ + x] != kMarked) changed |= settle<family>(x, y, wayRightward<family, dy>(x, y));
+                if (codes_[y * width_ + x] != kMarked)
+                    changed |= settle<family, dy, true>(x, y, wayRightward<family, dy>(x, y));
             }
         }
         for (Kpr64s word = words_ - 1; word >= 0; --word) {
@@ -190,7 +200,8 @@ class SweptWatershed {
                 const int bit = 63 - std::countl_zero(next);
                 const Kpr64s x = word * 64 + bit;
                 ahead = inRow & ((Bits64{1} << bit) - 1);
-                if (codes_[y * width_ + x] != kMarked) changed |= settle<family>(x, y, wayLeftward<family, dy>(x, y));
+                if (codes_[y * width_ + x] != kMarked)
+                    changed |= settle<family, dy, false>(x, y, wayLeftward<family, dy>(x, y));
             }
         }
         rowFlags_[y] = 0;
@@ -200,19 +211,21 @@ class SweptWatershed {
     }
 
     // Takes a better way, or else the label of the neighbour that the present one comes from.
-    template <Family family>
+    template <Family family, int dy, bool rightward>
     KPR_INLINE bool settle(Kpr64s x, Kpr64s y, Way way) {
         const Kpr64s i = y * width_ + x;
-        const Kpr32s cost = costOf(x, y, way.sum);
-        Label* const label = labels_[y] + x;
-        if (cost < costs_[i]) {
-            take(x, y, cost, way.from);
-        } else if (const Label parent = label[parents_[codes_[i]]]; parent != *label) {
-            *label = parent;
-        } else {
+        const Kpr32s cost = costOf(x, y, way.sum()), present = costs_[i];
+        const bool better = cost < present;
+        const Kpr8u code = better ? directionOf<dy, rightward>(way) : codes_[i];
+        Label* const own = labels_[y] + x;
+        const Label label = own[parents_[code]];
+        if (!better & (label == *own)) {
             dirty_[y * words_ + x / 64] &= ~(Bits64{1} << x % 64);
             return false;
         }
+        costs_[i] = better ? cost : present;
+        codes_[i] = code;
+        *own = label;
         markAround<family>(x, y);
         return true;
     }

@@ -1,5 +1,5 @@
-// Walls between the segments of a watershed, in raster order: of two neighbours of different labels, neither of them a wall,
-// the one that the flood reached later becomes a wall, of equals the right or lower one.
+// Walls between the segments of a watershed, in raster order: of two neighbours of different labels, neither of them a
+// wall, the one that the flood reached later becomes a wall, of equals the right or lower one.
 #pragma once
 
 #include "primitives/rows.h"

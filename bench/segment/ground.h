@@ -1,5 +1,5 @@
-// A picture as photographs are: large shapes, soft shading and a little noise, in any number of channels; and markers on
-// a grid.
+// A picture as photographs are: large shapes, soft shading and a little noise, in any number of channels; and markers
+// on a grid.
 #pragma once
 
 #include <cmath>

@@ -1,5 +1,6 @@
-// Labels of blobs as a threshold leaves them, ragged at their edges, and of noise, the worst case; walls between labels;
-// speckles of a map of depths: slanting planes with wrong pixels strewn over them. Each call starts from a fresh copy.
+// Labels of blobs as a threshold leaves them, ragged at their edges, and of noise, the worst case; walls between
+// labels; speckles of a map of depths: slanting planes with wrong pixels strewn over them. Each call starts from a
+// fresh copy.
 #include <cmath>
 #include <cstring>
 #include <vector>

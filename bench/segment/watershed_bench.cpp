@@ -1,5 +1,5 @@
-// Watersheds of the gradient of a picture from 80 markers, by the queue and by sweeps; and of a serpentine, whose only way
-// turns back against the sweeps at every other row.
+// Watersheds of the gradient of a picture from 80 markers, by the queue and by sweeps; and of a serpentine, whose only
+// way turns back against the sweeps at every other row.
 #include <cstring>
 #include <vector>
 

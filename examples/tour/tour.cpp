@@ -108,6 +108,7 @@ int main(int argc, char** argv) {
         tour::tourCoins(tour);
         tour::tourCorners(tour);
         tour::tourLines(tour);
+        tour::tourSegments(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';

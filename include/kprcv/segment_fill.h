@@ -76,9 +76,9 @@ KprStatus kpriFloodFill_8Con_32f_C3IR(Kpr32f* image, int imageStep, KprSize roiS
  * lowerDelta, upperDelta   one element, or a pointer to one for each of three channels
  *
  * Spans of the region that wait are kept to a quarter of the ROI's pixels, n. When there are n, which takes tiny or
- * finely divided regions, all of them are forgotten: the fill is then incomplete, its record covers the rows and columns
- * of the spans that were looked at, and the status is kprStatusOk. With n = 1 (4 to 7 pixels) only the seed's span along
- * its row is filled; with fewer pixels the fill is complete.
+ * finely divided regions, all of them are forgotten: the fill is then incomplete, its record covers the rows and
+ * columns of the spans that were looked at, and the status is kprStatusOk. With n = 1 (4 to 7 pixels) only the seed's
+ * span along its row is filled; with fewer pixels the fill is complete.
  *
  * Returns kprStatusBadArg too, last, where the new value lies within the range in every channel. */
 KprStatus kpriFloodFill_Range4Con_8u_C1IR(Kpr8u* image, int imageStep, KprSize roiSize, KprPoint seed, Kpr8u newValue,

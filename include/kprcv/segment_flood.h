@@ -1,7 +1,7 @@
 /* Markers that grow over an image: watersheds of a relief, and growing along colour steps.
  *
- * In the image of markers 0 is unlabelled and every other value a label; the greatest value of the type, 255 or 65535, is
- * the wall. Markers are flooded in place. */
+ * In the image of markers 0 is unlabelled and every other value a label; the greatest value of the type, 255 or 65535,
+ * is the wall. Markers are flooded in place. */
 #ifndef KPRCV_SEGMENT_FLOOD_H
 #define KPRCV_SEGMENT_FLOOD_H
 
@@ -27,9 +27,9 @@ enum {
     kprSegWall8 = 128    /* the same, pixels at the corners too */
 };
 
-/* Bytes that the work buffer of kpriSegmentWatershed needs; what does not fit into 32 bits wraps. With w x h the ROI and
- * s the bytes of a label, in 8u and 8u16u the larger of 16*w*h + s*(w+2)*(h+2) + 48 and 6*p*h + 2*p + h + 66, where p is
- * s*w rounded up to a multiple of 32; in 32f16u 9*q*h + h + 66, where q is w rounded up to a multiple of 4.
+/* Bytes that the work buffer of kpriSegmentWatershed needs; what does not fit into 32 bits wraps. With w x h the ROI
+ * and s the bytes of a label, in 8u and 8u16u the larger of 16*w*h + s*(w+2)*(h+2) + 48 and 6*p*h + 2*p + h + 66, where
+ * p is s*w rounded up to a multiple of 32; in 32f16u 9*q*h + h + 66, where q is w rounded up to a multiple of 4.
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize. */
 KprStatus kpriSegmentWatershedGetBufferSize_8u_C1R(KprSize roiSize, int* bufferSize);
@@ -38,16 +38,16 @@ KprStatus kpriSegmentWatershedGetBufferSize_32f16u_C1R(KprSize roiSize, int* buf
 
 /* Floods a relief from markers: every pixel takes the label whose flood reaches it along the lowest way.
  *
- * With kprSegQueue markers flood in the order of levels. A pixel waits at the level of its relief, but not below the level
- * that the flood has reached; within a level in the order in which pixels were reached, markers in raster order. With a
- * wall flag, a marker that touches another label which is not the wall becomes a wall itself, in raster order (with
- * kprSegWall8 corners count), and a pixel that is reached becomes a wall where there are two labels, or none, around it
- * (with kprSegWall4 beside, above and below, whether kprSegWall8 is set or not). Walls flood on.
+ * With kprSegQueue markers flood in the order of levels. A pixel waits at the level of its relief, but not below the
+ * level that the flood has reached; within a level in the order in which pixels were reached, markers in raster order.
+ * With a wall flag, a marker that touches another label which is not the wall becomes a wall itself, in raster order
+ * (with kprSegWall8 corners count), and a pixel that is reached becomes a wall where there are two labels, or none,
+ * around it (with kprSegWall4 beside, above and below, whether kprSegWall8 is set or not). Walls flood on.
  *
- * With kprSegIterative the cost of a path is the highest relief on it, and of equal ones its length since the last rise;
- * sweeps down and up the image give each pixel the label of its cheapest path. With a wall flag, at the end, of two
- * neighbours with different labels the one of greater cost becomes a wall, of equal cost the right or lower one. Where both
- * flags are set the first rules, in 32f16u the second.
+ * With kprSegIterative the cost of a path is the highest relief on it, and of equal ones its length since the last
+ * rise; sweeps down and up the image give each pixel the label of its cheapest path. With a wall flag, at the end, of
+ * two neighbours with different labels the one of greater cost becomes a wall, of equal cost the right or lower one.
+ * Where both flags are set the first rules, in 32f16u the second.
  *
  * A marker of the wall value floods like any other and counts as no segment. Without any marker nothing is labelled.
  *
@@ -75,11 +75,12 @@ KprStatus kpriSegmentGradientGetBufferSize_8u_C3R(KprSize roiSize, int* bufferSi
 /* Grows markers over an image in the order of the steps between neighbouring pixels, so that it needs no gradient. The
  * step between two pixels is the largest difference of a channel.
  *
- * A labelled pixel that is not a wall offers its label to each unlabelled neighbour, at the level of the step to it, in the
- * order left, right, above, below, upper left, upper right, lower left, lower right. A pixel keeps the offer of the lowest
- * level, of equals the earliest. First all markers make offers, in raster order; then, again and again, the pixel with
- * the lowest level, among equals the one whose offer was made earliest, takes its label and makes its own offers. So each
- * pixel gets a label from which it can be reached with the smallest possible largest step. What walls enclose stays 0.
+ * A labelled pixel that is not a wall offers its label to each unlabelled neighbour, at the level of the step to it, in
+ * the order left, right, above, below, upper left, upper right, lower left, lower right. A pixel keeps the offer of the
+ * lowest level, of equals the earliest. First all markers make offers, in raster order; then, again and again, the
+ * pixel with the lowest level, among equals the one whose offer was made earliest, takes its label and makes its own
+ * offers. So each pixel gets a label from which it can be reached with the smallest possible largest step. What walls
+ * enclose stays 0.
  *
  * src, srcStep        the image; bytes from row to row
  * marker, markerStep  the markers, and the result; not the same image

@@ -156,8 +156,8 @@ void boundSegments(Picture<T>& image, T wall, bool diagonals) {
     }
 }
 
-// Growing along colour steps: every offer waits in a heap by its level and its turn; one for a pixel that has a label by
-// then is dropped.
+// Growing along colour steps: every offer waits in a heap by its level and its turn; one for a pixel that has a label
+// by then is dropped.
 inline void colourSteps(const Picture<Kpr8u>& image, std::vector<Kpr8u>& marker, int neighbours) {
     struct Offer {
         int level;

@@ -24,77 +24,85 @@ template <typename T>
 struct Function {
     Kind kind;
     int neighbours, channels;
-    KprStatus (*run)(T* image, int step, KprSize size, const Call<T>& call, KprConnectedComp* record, Kpr8u* buffer);
+    std::function<KprStatus(T*, int, KprSize, const Call<T>&, KprConnectedComp*, Kpr8u*)> run;
 };
 
-#define PLAIN(T, con, name)                                                                                       \
-    {                                                                                                             \
-        Kind::Plain, con, 1, [](T* image, int step, KprSize size, const Call<T>& c, auto* record, auto* buffer) { \
-            return kpriFloodFill_##con##Con_##name##_C1IR(image, step, size, c.seed, c.value[0], record, buffer); \
-        }                                                                                                         \
-    }
-#define PLAIN3(T, con, name)                                                                                      \
-    {                                                                                                             \
-        Kind::Plain, con, 3, [](T* image, int step, KprSize size, const Call<T>& c, auto* record, auto* buffer) { \
-            return kpriFloodFill_##con##Con_##name##_C3IR(image, step, size, c.seed, c.value, record, buffer);    \
-        }                                                                                                         \
-    }
-#define TOLERANT(T, kind, con, name)                                                                                 \
-    {Kind::kind, con, 1,                                                                                             \
-     [](T* image, int step, KprSize size, const Call<T>& c, auto* record, auto* buffer) {                            \
-         return FILL_##kind(con, name, C1)(image, step, size, c.seed, c.value[0], c.lower[0], c.upper[0], record,    \
-                                           buffer);                                                                  \
-     }},                                                                                                             \
-    {                                                                                                                \
-        Kind::kind, con, 3, [](T* image, int step, KprSize size, const Call<T>& c, auto* record, auto* buffer) {     \
-            return FILL_##kind(con, name, C3)(image, step, size, c.seed, c.value, c.lower, c.upper, record, buffer); \
-        }                                                                                                            \
-    }
-#define FILL_Range(con, name, channels) kpriFloodFill_Range##con##Con_##name##_##channels##IR
-#define FILL_Gradient(con, name, channels) kpriFloodFill_Grad##con##Con_##name##_##channels##IR
+template <typename Visit>
+void everyFill(Visit visit) {
+    visit(Kind::Plain, 4, kpriFloodFill_4Con_8u_C1IR);
+    visit(Kind::Plain, 4, kpriFloodFill_4Con_8u_C3IR);
+    visit(Kind::Plain, 4, kpriFloodFill_4Con_16u_C1IR);
+    visit(Kind::Plain, 4, kpriFloodFill_4Con_16u_C3IR);
+    visit(Kind::Plain, 4, kpriFloodFill_4Con_32s_C1IR);
+    visit(Kind::Plain, 4, kpriFloodFill_4Con_32f_C1IR);
+    visit(Kind::Plain, 4, kpriFloodFill_4Con_32f_C3IR);
+    visit(Kind::Plain, 8, kpriFloodFill_8Con_8u_C1IR);
+    visit(Kind::Plain, 8, kpriFloodFill_8Con_8u_C3IR);
+    visit(Kind::Plain, 8, kpriFloodFill_8Con_16u_C1IR);
+    visit(Kind::Plain, 8, kpriFloodFill_8Con_16u_C3IR);
+    visit(Kind::Plain, 8, kpriFloodFill_8Con_32s_C1IR);
+    visit(Kind::Plain, 8, kpriFloodFill_8Con_32f_C1IR);
+    visit(Kind::Plain, 8, kpriFloodFill_8Con_32f_C3IR);
+    visit(Kind::Range, 4, kpriFloodFill_Range4Con_8u_C1IR);
+    visit(Kind::Range, 4, kpriFloodFill_Range4Con_8u_C3IR);
+    visit(Kind::Range, 4, kpriFloodFill_Range4Con_16u_C1IR);
+    visit(Kind::Range, 4, kpriFloodFill_Range4Con_16u_C3IR);
+    visit(Kind::Range, 4, kpriFloodFill_Range4Con_32f_C1IR);
+    visit(Kind::Range, 4, kpriFloodFill_Range4Con_32f_C3IR);
+    visit(Kind::Range, 8, kpriFloodFill_Range8Con_8u_C1IR);
+    visit(Kind::Range, 8, kpriFloodFill_Range8Con_8u_C3IR);
+    visit(Kind::Range, 8, kpriFloodFill_Range8Con_16u_C1IR);
+    visit(Kind::Range, 8, kpriFloodFill_Range8Con_16u_C3IR);
+    visit(Kind::Range, 8, kpriFloodFill_Range8Con_32f_C1IR);
+    visit(Kind::Range, 8, kpriFloodFill_Range8Con_32f_C3IR);
+    visit(Kind::Gradient, 4, kpriFloodFill_Grad4Con_8u_C1IR);
+    visit(Kind::Gradient, 4, kpriFloodFill_Grad4Con_8u_C3IR);
+    visit(Kind::Gradient, 4, kpriFloodFill_Grad4Con_16u_C1IR);
+    visit(Kind::Gradient, 4, kpriFloodFill_Grad4Con_16u_C3IR);
+    visit(Kind::Gradient, 4, kpriFloodFill_Grad4Con_32f_C1IR);
+    visit(Kind::Gradient, 4, kpriFloodFill_Grad4Con_32f_C3IR);
+    visit(Kind::Gradient, 8, kpriFloodFill_Grad8Con_8u_C1IR);
+    visit(Kind::Gradient, 8, kpriFloodFill_Grad8Con_8u_C3IR);
+    visit(Kind::Gradient, 8, kpriFloodFill_Grad8Con_16u_C1IR);
+    visit(Kind::Gradient, 8, kpriFloodFill_Grad8Con_16u_C3IR);
+    visit(Kind::Gradient, 8, kpriFloodFill_Grad8Con_32f_C1IR);
+    visit(Kind::Gradient, 8, kpriFloodFill_Grad8Con_32f_C3IR);
+}
+
+// A value and deltas as a form takes them: elements, or pointers to three.
+template <typename A, typename T>
+A argument(const T (&values)[3]) {
+    if constexpr (std::is_pointer_v<A>)
+        return values;
+    else
+        return values[0];
+}
+
+template <typename T, typename A>
+Function<T> functionOf(Kind kind, int neighbours,
+                       KprStatus (*fill)(T*, int, KprSize, KprPoint, A, KprConnectedComp*, Kpr8u*)) {
+    return {kind, neighbours, std::is_pointer_v<A> ? 3 : 1,
+            [=](T* image, int step, KprSize size, const Call<T>& c, auto* record, auto* buffer) {
+                return fill(image, step, size, c.seed, argument<A>(c.value), record, buffer);
+            }};
+}
+template <typename T, typename A>
+Function<T> functionOf(Kind kind, int neighbours,
+                       KprStatus (*fill)(T*, int, KprSize, KprPoint, A, A, A, KprConnectedComp*, Kpr8u*)) {
+    return {kind, neighbours, std::is_pointer_v<A> ? 3 : 1,
+            [=](T* image, int step, KprSize size, const Call<T>& c, auto* record, auto* buffer) {
+                return fill(image, step, size, c.seed, argument<A>(c.value), argument<A>(c.lower), argument<A>(c.upper),
+                            record, buffer);
+            }};
+}
 
 template <typename T>
-const std::vector<Function<T>>& functions();
-
-template <>
-const std::vector<Function<Kpr8u>>& functions() {
-    static const std::vector<Function<Kpr8u>> all = {PLAIN(Kpr8u, 4, 8u),
-                                                     PLAIN(Kpr8u, 8, 8u),
-                                                     PLAIN3(Kpr8u, 4, 8u),
-                                                     PLAIN3(Kpr8u, 8, 8u),
-                                                     TOLERANT(Kpr8u, Range, 4, 8u),
-                                                     TOLERANT(Kpr8u, Range, 8, 8u),
-                                                     TOLERANT(Kpr8u, Gradient, 4, 8u),
-                                                     TOLERANT(Kpr8u, Gradient, 8, 8u)};
-    return all;
-}
-template <>
-const std::vector<Function<Kpr16u>>& functions() {
-    static const std::vector<Function<Kpr16u>> all = {PLAIN(Kpr16u, 4, 16u),
-                                                      PLAIN(Kpr16u, 8, 16u),
-                                                      PLAIN3(Kpr16u, 4, 16u),
-                                                      PLAIN3(Kpr16u, 8, 16u),
-                                                      TOLERANT(Kpr16u, Range, 4, 16u),
-                                                      TOLERANT(Kpr16u, Range, 8, 16u),
-                                                      TOLERANT(Kpr16u, Gradient, 4, 16u),
-                                                      TOLERANT(Kpr16u, Gradient, 8, 16u)};
-    return all;
-}
-template <>
-const std::vector<Function<Kpr32s>>& functions() {
-    static const std::vector<Function<Kpr32s>> all = {PLAIN(Kpr32s, 4, 32s), PLAIN(Kpr32s, 8, 32s)};
-    return all;
-}
-template <>
-const std::vector<Function<Kpr32f>>& functions() {
-    static const std::vector<Function<Kpr32f>> all = {PLAIN(Kpr32f, 4, 32f),
-                                                      PLAIN(Kpr32f, 8, 32f),
-                                                      PLAIN3(Kpr32f, 4, 32f),
-                                                      PLAIN3(Kpr32f, 8, 32f),
-                                                      TOLERANT(Kpr32f, Range, 4, 32f),
-                                                      TOLERANT(Kpr32f, Range, 8, 32f),
-                                                      TOLERANT(Kpr32f, Gradient, 4, 32f),
-                                                      TOLERANT(Kpr32f, Gradient, 8, 32f)};
+std::vector<Function<T>> functions() {
+    std::vector<Function<T>> all;
+    everyFill([&]<typename... A>(Kind kind, int neighbours, KprStatus (*fill)(A...)) {
+        if constexpr (std::is_same_v<std::tuple_element_t<0, std::tuple<A...>>, T*>)
+            all.push_back(functionOf(kind, neighbours, fill));
+    });
     return all;
 }
 
@@ -277,20 +285,8 @@ void checkLadder(KprStatus (*function)(T*, A...)) {
     ladder.run();
 }
 
-#define EVERY_LADDER(form)                                                                          \
-    checkLadder(kpriFloodFill_##form##_8u_C1IR), checkLadder(kpriFloodFill_##form##_8u_C3IR),       \
-        checkLadder(kpriFloodFill_##form##_16u_C1IR), checkLadder(kpriFloodFill_##form##_16u_C3IR), \
-        checkLadder(kpriFloodFill_##form##_32f_C1IR), checkLadder(kpriFloodFill_##form##_32f_C3IR)
-
 TEST(FillLadders, RefuseInOrder) {
-    EVERY_LADDER(4Con);
-    EVERY_LADDER(8Con);
-    EVERY_LADDER(Range4Con);
-    EVERY_LADDER(Range8Con);
-    EVERY_LADDER(Grad4Con);
-    EVERY_LADDER(Grad8Con);
-    checkLadder(kpriFloodFill_4Con_32s_C1IR);
-    checkLadder(kpriFloodFill_8Con_32s_C1IR);
+    everyFill([](Kind, int, auto* fill) { checkLadder(fill); });
     LADDER(kpriFloodFillGetSize).nulls().sizes().run();
     LADDER(kpriFloodFillGetSize_Grad).nulls().sizes().run();
 }
