@@ -144,7 +144,8 @@ class FloatChamfer {
             if constexpr (way == Pass::Down) d = keep(set[at], d);
             if constexpr (!whole) {
                 const auto column = broadcast(static_cast<Kpr32s>(t + k)) - behind;
-                const auto outside = less(column, zero<Kpr32s>()) | less(broadcast(static_cast<Kpr32s>(width_ - 1)), column);
+                const auto outside =
+                    less(column, zero<Kpr32s>()) | less(broadcast(static_cast<Kpr32s>(width_ - 1)), column);
                 d = select(static_cast<Mask<Kpr32f>>(outside), broadcast(kFarthest), d);
             }
             own.put(k, d);

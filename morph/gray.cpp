@@ -123,7 +123,8 @@ class GrayWalk {
             for (Kpr64s tap = from; tap < to; ++tap) {
                 const T* const pixels = row + mask_.taps[tap].column;
                 const Height<T> height = mask_.taps[tap].height;
-                for (int i = 0; i < vectors; ++i) v[i] = Rule::join(v[i], change(load(pixels + i * kStep, part), height));
+                for (int i = 0; i < vectors; ++i)
+                    v[i] = Rule::join(v[i], change(load(pixels + i * kStep, part), height));
             }
         };
         const auto raise = [](Vec<T> pixels, Height<T> h) { return Rule::raise(pixels, heightOf(h)); };
@@ -155,11 +156,12 @@ class GrayWalk {
                 const Height<T> height = mask_.taps[tap].height;
                 const Kpr64s column = x - mask_.left() + mask_.taps[tap].column;
                 Lanes there = First(std::clamp<Kpr64s>(endReal() - column, 0, kStep));
-                if (column < firstReal()) there.bits &= firstReal() - column < kStep ? ~Bits64{0} << (firstReal() - column) : 0;
+                if (column < firstReal())
+                    there.bits &= firstReal() - column < kStep ? ~Bits64{0} << (firstReal() - column) : 0;
                 there = part & there;
                 const auto pixels = load(window_[j] + x + mask_.taps[tap].column, there);
-                const auto candidate = height < 0 ? Rule::lower(pixels, heightOf(-height))
-                                                  : Rule::raise(pixels, heightOf(height));
+                const auto candidate =
+                    height < 0 ? Rule::lower(pixels, heightOf(-height)) : Rule::raise(pixels, heightOf(height));
                 v = merge(there, Rule::join(v, candidate), v);
                 any |= there.bits;
             }
@@ -179,8 +181,8 @@ class GrayWalk {
                     if (column == kConstant && leavesOut_) continue;
                     const Height<T> height = mask_.taps[tap].height;
                     const auto pixel = broadcast(pixelAt(y, j, column));
-                    v = Rule::join(v, height < 0 ? Rule::lower(pixel, heightOf(-height))
-                                                 : Rule::raise(pixel, heightOf(height)));
+                    v = Rule::join(
+                        v, height < 0 ? Rule::lower(pixel, heightOf(-height)) : Rule::raise(pixel, heightOf(height)));
                     any = true;
                 }
             }
@@ -316,14 +318,16 @@ KprStatus kpriGrayDilateBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst,
                                       KprBorderType borderType, Kpr8u borderValue, const KprMorphGrayState* spec,
                                       Kpr8u* buffer) {
     return callServes(src, srcStep, dst, dstStep, roiSize, borderType, spec, buffer)
-               ?: grayExtremum<GrayDilation>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+               ?: grayExtremum<GrayDilation>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec,
+                                             buffer);
 }
 
 KprStatus kpriGrayDilateBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, Kpr32f borderValue, const KprMorphGrayState* spec,
                                        Kpr8u* buffer) {
     return callServes(src, srcStep, dst, dstStep, roiSize, borderType, spec, buffer)
-               ?: grayExtremum<GrayDilation>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+               ?: grayExtremum<GrayDilation>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec,
+                                             buffer);
 }
 
 KprStatus kpriGrayErodeBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,

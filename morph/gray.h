@@ -73,8 +73,8 @@ constexpr Kpr64s kWidestMask = 6;
 constexpr bool extendsRows(Kpr64s width, Kpr64s maskWidth) { return maskWidth - 1 <= kWidestMask * width; }
 
 // The pieces of the work buffer: a ring of source rows, which reaches from a row as far up and down as the mask does in
-// either direction, so that it holds what a reflection reads; one row of the border value; a pointer for each row of the
-// mask.
+// either direction, so that it holds what a reflection reads; one row of the border value; a pointer for each row of
+// the mask.
 template <typename T>
 constexpr Kpr64s grayStride(Kpr64s width, Kpr64s maskWidth) {
     return extendsRows(width, maskWidth) ? width + maskWidth - 1 : width;

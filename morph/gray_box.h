@@ -1,5 +1,5 @@
-// Masks of bytes that are a whole rectangle of one height, about a row of their middle: an extremum along each row once,
-// an extremum of rows, and the height at last.
+// Masks of bytes that are a whole rectangle of one height, about a row of their middle: an extremum along each row
+// once, an extremum of rows, and the height at last.
 #pragma once
 
 #include "morph/gray.h"

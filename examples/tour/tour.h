@@ -64,5 +64,6 @@ void tourGaussian(Tour& tour);
 void tourFilters(Tour& tour);
 void tourMorphology(Tour& tour);
 void tourCoins(Tour& tour);
+void tourDistances(Tour& tour);
 
 }  // namespace tour

@@ -67,8 +67,7 @@ TEST(ExactDistance, LongImages) {
         transform(src, dst);
         test::expectImage(dst, [&](int x, int y, int) {
             const auto to = [&](double i, double j) { return (x - i) * (x - i) + (y - j) * (y - j); };
-            return static_cast<float>(
-                std::sqrt(std::min(to(size.width / 3, size.height / 3), to(size.width - 1, 0))));
+            return static_cast<float>(std::sqrt(std::min(to(size.width / 3, size.height / 3), to(size.width - 1, 0))));
         });
         if (testing::Test::HasFailure()) return;
     }

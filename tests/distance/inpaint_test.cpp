@@ -18,7 +18,9 @@ template <int channels>
 class Restoration {
   public:
     Restoration(GuardedImage<Kpr8u>& mask, GuardedImage<Kpr32f>& distance, float radius, int method)
-        : size_(mask.size()), sizes_(sizesOf(mask, radius, method)), memory_(test::exactly(sizes_.first)),
+        : size_(mask.size()),
+          sizes_(sizesOf(mask, radius, method)),
+          memory_(test::exactly(sizes_.first)),
           buffer_(test::exactly(sizes_.second)) {
         const auto init = channels == 1 ? kpriInpaintInit_8u_C1R : kpriInpaintInit_8u_C3R;
         EXPECT_EQ(init(&state_, distance.data(), distance.step(), mask.data(), mask.step(), size_, radius, method,
@@ -60,7 +62,9 @@ void drawImage(GuardedImage<Kpr8u>& image, Random& random) {
     image.forEach([&](Kpr8u& p) {
         const int x = i % image.size().width, y = i / image.size().width;
         ++i;
-        p = kind == 0 ? random.pixel<Kpr8u>() : kind == 1 ? Kpr8u{77} : static_cast<Kpr8u>(x > slope * y ? 200 : 90 + x % 7);
+        p = kind == 0   ? random.pixel<Kpr8u>()
+            : kind == 1 ? Kpr8u{77}
+                        : static_cast<Kpr8u>(x > slope * y ? 200 : 90 + x % 7);
     });
 }
 

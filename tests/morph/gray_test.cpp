@@ -62,7 +62,8 @@ void checkOne(KprSize size, GetSize getSize, Init init, Process process, bool di
     const KprBorderType base = bases[random.range(0, 3)];
     KprBorderType word = base;
     const bool wide = size.width > mask.size.width && size.height > mask.size.height;
-    if (!random.oneIn(3) && (base != kprBorderMirror || wide)) word |= static_cast<KprBorderType>(random.range(0, 15)) << 4;
+    if (!random.oneIn(3) && (base != kprBorderMirror || wide))
+        word |= static_cast<KprBorderType>(random.range(0, 15)) << 4;
     if (random.oneIn(5)) word |= 256;
     const bool top = (word & kprBorderInMemTop) != 0, bottom = (word & kprBorderInMemBottom) != 0;
     const bool before = (word & kprBorderInMemLeft) != 0, after = (word & kprBorderInMemRight) != 0;
@@ -175,10 +176,11 @@ void checkStatuses(GetSize getSize, Init init, Process dilate, Process erode, Ot
     const std::vector<Height<T>> heights(9, 1);
     ASSERT_EQ(init(size, heights.data(), maskSize, {1, 1}, spec, buffer.data()), kprStatusOk);
     auto* const otherSpec = reinterpret_cast<KprMorphGrayState*>(other.data());
-    ASSERT_EQ(otherInit(size, reinterpret_cast<const Height<std::conditional_t<sizeof(T) == 1, Kpr32f, Kpr8u>>*>(
-                                  heights.data()),
-                        maskSize, {1, 1}, otherSpec, buffer.data()),
-              kprStatusOk);
+    ASSERT_EQ(
+        otherInit(size,
+                  reinterpret_cast<const Height<std::conditional_t<sizeof(T) == 1, Kpr32f, Kpr8u>>*>(heights.data()),
+                  maskSize, {1, 1}, otherSpec, buffer.data()),
+        kprStatusOk);
     const std::vector<Kpr8u> empty(64, 0);
     for (Process process : {dilate, erode}) {
         test::Ladder ladder("GrayBorder", process);

@@ -123,10 +123,10 @@ class FastMarching {
         float& value = field_.at(x, y);
         if (mask_.at(x, y) != 0) {
             if (firstPass) a = std::max(a, 0.0F), b = std::max(b, 0.0F);
-            const float next = !along                      ? 1.0F + b
-                               : !across                   ? 1.0F + a
+            const float next = !along                    ? 1.0F + b
+                               : !across                 ? 1.0F + a
                                : std::abs(a - b) >= 1.0F ? 1.0F + std::min(a, b)
-                                                           : 0.5F * (a + b + root(a - b));
+                                                         : 0.5F * (a + b + root(a - b));
             if (!fresh && next >= value) return false;
             value = next;
             return true;
