@@ -67,6 +67,23 @@ TEST(Chamfer, FloatsAddStepByStep) {
     check<Kpr32f, Kpr32f>(kpriDistanceTransform_5x5_8u32f_C1R, 5, kpriGetDistanceTransformMask_32f);
 }
 
+// A knight's step that weighs less than one along the column leads nowhere in a single column, nor beyond a row's end.
+TEST(Chamfer, NothingComesFromBesideTheImage) {
+    for (int width : {1, 2, 63, 65}) {
+        Random random;
+        const KprSize size = {width, 12};
+        for (const std::vector<Kpr32s>& weights : {std::vector<Kpr32s>{17, 1, 9}, {17, 40, 1}, {9, 9, 2}}) {
+            GuardedImage<Kpr8u> src(size, random), dst(size, random);
+            src.forEach([](Kpr8u& pixel) { pixel = 1; });
+            src.at(width - 1, 11) = 0;
+            ASSERT_EQ(
+                kpriDistanceTransform_5x5_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), size, weights.data()),
+                kprStatusOk);
+            test::expectField(dst, reference::chamferDistance<Kpr8u>(test::fieldOf(src), 5, weights));
+        }
+    }
+}
+
 template <typename Weight>
 void expectWeights(KprStatus status, const std::vector<Weight>& got, const std::vector<Weight>& expected) {
     EXPECT_EQ(status, kprStatusOk);

@@ -56,6 +56,17 @@ TEST(ExactDistance, PointsThatHideOneByOne) {
     }
 }
 
+// Squares that single precision does not hold, where the stretches of the corners begin.
+TEST(ExactDistance, WideImage) {
+    Random random;
+    const KprSize size = {7001, 3};
+    GuardedImage<Kpr8u> src(size, random);
+    GuardedImage<Kpr32f> dst(size, random);
+    src.forEach([&](Kpr8u& pixel) { pixel = random.oneIn(200) ? 0 : 1; });
+    transform(src, dst);
+    test::expectField(dst, reference::exactDistance(test::fieldOf(src)));
+}
+
 // Around the sides from which rows are no more taken by vectors, and the squares that single precision does not hold.
 TEST(ExactDistance, LongImages) {
     Random random;
