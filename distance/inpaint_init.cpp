@@ -72,7 +72,8 @@ void orderPixels(Rows<const Kpr32f> dist, Rows<const Kpr8u> mask, KprSize roi, K
     auto* const keys = reinterpret_cast<Kpr64f*>(order);
     Kpr64s filled = 0;
     eachSet(mask, roi, [&](Kpr32s x, Kpr32s y) {
-        keys[filled++] = keyOf(dist[y][x], static_cast<Bits64>(Kpr64s{y} * roi.width + x));
+        const Kpr64s number = Kpr64s{y} * roi.width + x;
+        keys[filled++] = keyOf(dist[y][x], static_cast<Bits64>(number));
     });
     kprsSortAscend_64f_I(keys, static_cast<int>(count));
     for (Kpr64s i = 0; i < count; ++i) {

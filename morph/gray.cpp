@@ -32,6 +32,10 @@ class GrayWalk {
           value_(value),
           mask_(mask) {
         if (leavesOut_) border_.base = kprBorderConstant;
+        if (leavesOut_ && mask.header->hasFiller != 0) {
+            leavesOut_ = false;
+            value_ = filler();
+        }
         rows_ = rowsOf(roi.height, border_, LonePixel::Reflects);
         columns_ = columnsOf(roi.width, border_, LonePixel::Reflects);
         const Kpr64s maskWidth = mask.header->width, maskHeight = mask.header->height;
@@ -42,7 +46,7 @@ class GrayWalk {
         window_ = work.take<const T*>(maskHeight);
         ring_ = work.take<T>((2 * reach_ + 1) * stride_);
         constant_ = work.take<T>(stride_);
-        std::fill(constant_, constant_ + stride_, value);
+        std::fill(constant_, constant_ + stride_, value_);
     }
 
     KprStatus run() {
@@ -66,6 +70,10 @@ class GrayWalk {
 
   private:
     static constexpr Kpr64s kStep = kLanes<T>;
+
+    // Of bytes under heights none of which is above 0, what a sum cannot pass; of floats a NaN, which only a pixel with
+    // nothing else under its taps would show: one with a tap of its own has something.
+    static T filler() { return std::is_integral_v<T> ? Rule::kNothingLeft : std::numeric_limits<T>::quiet_NaN(); }
 
     T* slot(Kpr64s row) const {
         const Kpr64s slots = 2 * reach_ + 1, place = row % slots;
@@ -250,11 +258,11 @@ KprStatus putSizes(KprSize roi, KprSize mask, int* specSize, int* bufferSize) {
 template <typename T>
 KprStatus fillBlock(const Height<T>* mask, KprSize size, KprPoint anchor, KprMorphGrayState* spec) {
     auto* const header = reinterpret_cast<GrayHeader*>(spec);
-    *header = {kGrayMagic<T>, size.width, size.height, anchor.x, anchor.y, 0, 0};
+    *header = {kGrayMagic<T>, size.width, size.height, anchor.x, anchor.y, 0, 0, 0};
     auto* const rows = reinterpret_cast<GrayRow*>(header + 1);
     auto* const taps = reinterpret_cast<GrayTap<T>*>(rows + size.height + 1);
     Kpr32s count = 0;
-    bool flat = true;
+    bool flat = true, rises = false;
     const auto take = [&](const Height<T>* heights, bool falling) {
         for (Kpr32s i = 0; i < size.width; ++i) {
             Height<T> height = heights[i];
@@ -263,6 +271,7 @@ KprStatus fillBlock(const Height<T>* mask, KprSize size, KprPoint anchor, KprMor
             if constexpr (std::is_same_v<T, Kpr8u>) height = std::clamp(height, -255, 255);
             taps[count] = {i, height};
             flat &= height == taps[0].height;
+            rises |= height > 0;
             ++count;
         }
     };
@@ -276,6 +285,8 @@ KprStatus fillBlock(const Height<T>* mask, KprSize size, KprPoint anchor, KprMor
     rows[size.height] = {count, count};
     header->taps = count;
     header->flat = flat && std::is_same_v<T, Kpr8u> ? 1 : 0;
+    const bool ownTap = isTap<T>(mask[Kpr64s{anchor.y} * size.width + anchor.x]);
+    header->hasFiller = (std::is_same_v<T, Kpr8u> ? !rises : ownTap) ? 1 : 0;
     return kprStatusOk;
 }
 

@@ -36,7 +36,8 @@ struct [[gnu::packed]] GrayHeader {
     Kpr32s width, height;
     Kpr32s anchorX, anchorY;
     Kpr32s taps;
-    Kpr32s flat;  // all taps have the height of the first
+    Kpr32s flat;       // all taps have the height of the first
+    Kpr32s hasFiller;  // there is a value for what lies outside under which it takes no part: see GrayWalk
 };
 
 template <typename T>
