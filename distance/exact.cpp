@@ -29,7 +29,7 @@ constexpr Kpr32s kNone = 40000;
 constexpr Kpr32s kNoneLarge = 1 << 28;
 
 // A row's distances have as many elements in front of them and behind.
-constexpr Kpr64s kReach = 4;
+constexpr Kpr64s kReach = 3;
 constexpr Kpr64s rowBytes(Kpr64s width) { return (4 * width + 2 * kReach) * Kpr64s{sizeof(Kpr32s)} + width + 4; }
 
 // Distances to zeros above, row by row into the destination.
@@ -87,7 +87,7 @@ class VectorRow {
     static constexpr Kpr64s kStep = kLanes<Kpr32s>;
 
     // Columns that may be corners: not those without a zero, nor zeros between zeros, which own no column but their
-    // own, nor those that lie too high above both neighbours: F bends down there.
+    // own, nor those that lie too high above both columns next to them or three away: F bends down there.
     void choosePoints() {
         Kpr64s count = 0;
         walkColumns<kStep>(width_, [&](auto part, Kpr64s x) {

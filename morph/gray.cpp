@@ -40,7 +40,7 @@ class GrayWalk {
         columns_ = columnsOf(roi.width, border_, LonePixel::Reflects);
         const Kpr64s maskWidth = mask.header->width, maskHeight = mask.header->height;
         extends_ = extendsRows(roi.width, maskWidth);
-        stride_ = grayStride<T>(roi.width, maskWidth);
+        stride_ = grayStride(roi.width, maskWidth);
         reach_ = std::max(mask.above(), mask.below());
         Workspace work(buffer, static_cast<Kpr64s>(grayBufferBytes<T>(roi, {mask.header->width, mask.header->height})));
         window_ = work.take<const T*>(maskHeight);

@@ -76,7 +76,6 @@ constexpr bool extendsRows(Kpr64s width, Kpr64s maskWidth) { return maskWidth - 
 // The pieces of the work buffer: a ring of source rows, which reaches from a row as far up and down as the mask does in
 // either direction, so that it holds what a reflection reads; one row of the border value; a pointer for each row of
 // the mask.
-template <typename T>
 constexpr Kpr64s grayStride(Kpr64s width, Kpr64s maskWidth) {
     return extendsRows(width, maskWidth) ? width + maskWidth - 1 : width;
 }
@@ -84,7 +83,7 @@ constexpr Kpr64s grayStride(Kpr64s width, Kpr64s maskWidth) {
 template <typename T>
 constexpr Bytes grayBufferBytes(KprSize roi, KprSize mask) {
     // The anchor, which is not known yet, may lie at the mask's edge.
-    return 2 * Bytes{mask.height} * grayStride<T>(roi.width, mask.width) * Bytes{sizeof(T)} +
+    return 2 * Bytes{mask.height} * grayStride(roi.width, mask.width) * Bytes{sizeof(T)} +
            Bytes{mask.height} * Bytes{sizeof(void*)} + 2 * alignof(void*);
 }
 

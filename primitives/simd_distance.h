@@ -122,7 +122,7 @@ KPR_INLINE void transpose(Vec<Kpr32f> (&v)[16]) {
     }
 }
 
-// Of 16 rows of 16 bytes each, given by row(i, part): in mask k, bit i says whether byte k of row i is not zero.
+// Of 16 rows of 16 bytes each, given by row(i): in mask k, bit i says whether byte k of row i is not zero.
 template <typename Row>
 KPR_INLINE void columnsNotZero(Row row, Mask<Kpr32f> (&masks)[16]) {
     __m512i z[4];
