@@ -32,8 +32,8 @@ class FloatChamfer {
 
   private:
     enum class Pass { Down, Up };
-    static constexpr int kRows = 16, kSteps = 16;
-    static constexpr int kSkew = size == 3 ? 2 : 3;
+    static constexpr Kpr64s kRows = 16, kSteps = 16;
+    static constexpr Kpr64s kSkew = size == 3 ? 2 : 3;
     static constexpr int kHeld = 7;  // the oldest vector that a step looks at
 
     // The vectors of a block's steps behind those of earlier steps.
@@ -85,7 +85,7 @@ class FloatChamfer {
         store(lowest, band.pixels(-1, kSkew - kSteps), All{});
         store(second, band.pixels(-2, 2 * kSkew - kSteps), All{});
         for (int k = -kHeld; k < 0; ++k) {
-            const int at = way == Pass::Down ? kSteps + k : -1 - k;
+            const Kpr64s at = way == Pass::Down ? kSteps + k : -1 - k;
             beside.put(k, shiftUp(broadcast(kFarthest), lowest[at]));
             beyond.put(k, shiftUp(beside.back(k, 0), second[at]));
         }
@@ -144,7 +144,8 @@ class FloatChamfer {
             if constexpr (way == Pass::Down) d = keep(set[at], d);
             if constexpr (!whole) {
                 const auto column = broadcast(static_cast<Kpr32s>(t + k)) - behind;
-                const auto outside = less(column, zero<Kpr32s>()) | less(broadcast(static_cast<Kpr32s>(width_ - 1)), column);
+                const auto outside =
+                    less(column, zero<Kpr32s>()) | less(broadcast(static_cast<Kpr32s>(width_ - 1)), column);
                 d = select(static_cast<Mask<Kpr32f>>(outside), broadcast(kFarthest), d);
             }
             own.put(k, d);

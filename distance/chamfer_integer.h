@@ -21,7 +21,8 @@ class IntegerChamfer {
         b_ = broadcast(weight_[1]);
         c_ = broadcast(weight_[2]);
         for (int i = 0; i < kPieces; ++i) doubling_[i] = broadcast(times(Kpr64s{1} << i));
-        up_.setRamps([&](int i) { return times(i % kPiece + 1); }, [&](int i) { return times(i / kPiece * kPiece + kPiece); });
+        up_.setRamps([&](int i) { return times(i % kPiece + 1); },
+                     [&](int i) { return times(i / kPiece * kPiece + kPiece); });
         down_.setRamps([&](int i) { return times(kPiece - i % kPiece); },
                        [&](int i) { return times((4 - i / kPiece) * kPiece); });
     }
@@ -58,8 +59,8 @@ class IntegerChamfer {
 
   private:
     static constexpr Kpr64s kStep = kLanes<T>;
-    static constexpr int kPiece = 16 / sizeof(T);                          // lanes of 16 bytes
-    static constexpr int kPieces = sizeof(T) == 1 ? 6 : 5;                 // doublings up to half a vector
+    static constexpr int kPiece = 16 / sizeof(T);           // lanes of 16 bytes
+    static constexpr int kPieces = sizeof(T) == 1 ? 6 : 5;  // doublings up to half a vector
     static constexpr Kpr64s kMost = std::numeric_limits<T>::max();
 
     // How far values have come that move one way along a row.
@@ -86,15 +87,18 @@ class IntegerChamfer {
     template <typename Step>
     KPR_INLINE void dispatch(Kpr64s x, Step step) const {
         if (x >= 2 && x + kStep + 2 <= width_) {
-            step(All{}, [](const T* row, Kpr64s column) __attribute__((always_inline)) { return load(row + column, All{}); });
+            step(
+                All{},
+                [](const T* row, Kpr64s column) __attribute__((always_inline)) { return load(row + column, All{}); });
             return;
         }
         const First part(std::min(width_ - x, kStep));
-        step(part, [this](const T* row, Kpr64s column) __attribute__((always_inline)) {
-            Lanes inside = First(std::min(width_ - std::min(column, width_), kStep));
-            if (column < 0) inside.bits &= ~Bits64{0} << -column;
-            return load(row + column, inside, ones());
-        });
+        step(
+            part, [this](const T* row, Kpr64s column) __attribute__((always_inline)) {
+                Lanes inside = First(std::min(width_ - std::min(column, width_), kStep));
+                if (column < 0) inside.bits &= ~Bits64{0} << -column;
+                return load(row + column, inside, ones());
+            });
     }
 
     // What comes from the row beside and, by knight's steps, from the one beyond it.

@@ -5,8 +5,8 @@
 // A column costs a step down, which leaves its distances to zeros above in the destination, and a step up. A row is the
 // minimum of parabolas, each column's its own. Less x^2 they are straight lines, F(i) - 2 i x with F(i) = g(i)^2 + i^2,
 // whose lower envelope is made of the corners of the lower convex hull of the points (i, F(i)): every line that is
-// lowest anywhere is one of those. So the points of a row are thinned out to the corners, in vectors, and each corner is
-// then the owner of a stretch of columns.
+// lowest anywhere is one of those. So the points of a row are thinned out to the corners, in vectors, and each corner
+// is then the owner of a stretch of columns.
 #include <algorithm>
 
 #include "distance/hull.h"
@@ -29,7 +29,7 @@ constexpr Kpr32s kNone = 40000;
 constexpr Kpr32s kNoneLarge = 1 << 28;
 
 // A row's distances have as many elements in front of them and behind.
-constexpr Kpr64s kReach = 4;
+constexpr Kpr64s kReach = 3;
 constexpr Kpr64s rowBytes(Kpr64s width) { return (4 * width + 2 * kReach) * Kpr64s{sizeof(Kpr32s)} + width + 4; }
 
 // Distances to zeros above, row by row into the destination.
@@ -86,8 +86,8 @@ class VectorRow {
   private:
     static constexpr Kpr64s kStep = kLanes<Kpr32s>;
 
-    // Columns that may be corners: not those without a zero, nor zeros between zeros, which own no column but their own,
-    // nor those that lie too high above both neighbours: F bends down there.
+    // Columns that may be corners: not those without a zero, nor zeros between zeros, which own no column but their
+    // own, nor those that lie too high above both columns next to them or three away: F bends down there.
     void choosePoints() {
         Kpr64s count = 0;
         walkColumns<kStep>(width_, [&](auto part, Kpr64s x) {
@@ -98,7 +98,8 @@ class VectorRow {
             const auto bendsUp = [&]<int reach>(Turn<reach>) {
                 const auto left = load(g_ + x - reach, part), right = load(g_ + x + reach, part);
                 // Halves are rounded down, by less than 1 together: no corner is lost, and a few others stay.
-                return less(square, ((left * left) >> 1) + ((right * right) >> 1) + broadcast<Kpr32s>(reach * reach + 1));
+                return less(square,
+                            ((left * left) >> 1) + ((right * right) >> 1) + broadcast<Kpr32s>(reach * reach + 1));
             };
             const auto mask = static_cast<Mask<Kpr32s>>(worthwhile & less(g, broadcast(kNone)) & bendsUp(Turn<1>{}) &
                                                         bendsUp(Turn<3>{}));
@@ -236,7 +237,8 @@ KprStatus transform(Rows<const Kpr8u> src, Rows<Kpr32f> dst, KprSize roi, Kpr8u*
 }
 
 KprStatus exactDistance(Rows<const Kpr8u> src, Rows<Kpr32f> dst, KprSize roi, Kpr8u* buffer) {
-    if (roi.width <= kVectorSide && roi.height <= kVectorSide) return transform<VectorRow>(src, dst, roi, buffer, kNone);
+    if (roi.width <= kVectorSide && roi.height <= kVectorSide)
+        return transform<VectorRow>(src, dst, roi, buffer, kNone);
     return transform<LargeRow>(src, dst, roi, buffer, kNoneLarge);
 }
 

@@ -1,5 +1,5 @@
-// The filling of a hole, pixel by pixel in the order that the state has. With w(dx, dy) the disc's weights, (gx, gy) the
-// gradient at a known pixel, c = |dy * gx - dx * gy| and s = 1 (method 0) or dx^2 + dy^2 (method 1):
+// The filling of a hole, pixel by pixel in the order that the state has. With w(dx, dy) the disc's weights, (gx, gy)
+// the gradient at a known pixel, c = |dy * gx - dx * gy| and s = 1 (method 0) or dx^2 + dy^2 (method 1):
 //
 //     weight = w * (c / sqrt((gx^2 + gy^2) * s)), 1e-6 standing for the quotient where c = 0
 //     pixel = sum of weight * known / sum of weight
@@ -59,8 +59,8 @@ class Filling {
         const auto slope = [&](Kpr64s dx, Kpr64s dy) {
             const bool after = known(x + dx, y + dy), before = known(x - dx, y - dy);
             const int here = plane.pixels[y][x];
-            const int sum = (after ? plane.pixels[y + dy][x + dx] - here : 0) +
-                            (before ? here - plane.pixels[y - dy][x - dx] : 0);
+            const int sum =
+                (after ? plane.pixels[y + dy][x + dx] - here : 0) + (before ? here - plane.pixels[y - dy][x - dx] : 0);
             return static_cast<Kpr16s>(after && before ? sum : 2 * sum);
         };
         plane.gx[y][x] = slope(1, 0);
@@ -72,7 +72,8 @@ class Filling {
         const Kpr64s first = std::max<Kpr64s>(y - disc_.reachY, 0), last = std::min(y + disc_.reachY, height_ - 1);
         for (Kpr64s row = first; row <= last; ++row) {
             const Kpr32f* const table = table_ + (row - y + disc_.reachY) * disc_.stride();
-            for (Kpr64s i = 0; i < disc_.columns(); i += kLanes<Kpr32f>) addUp(plane, x, y, row, i, table, weights, weighted);
+            for (Kpr64s i = 0; i < disc_.columns(); i += kLanes<Kpr32f>)
+                addUp(plane, x, y, row, i, table, weights, weighted);
         }
         const auto add = [](auto a, auto b) { return a + b; };
         Kpr32f weight = firstLane(fold(weights, add)), sum = firstLane(fold(weighted, add));
@@ -102,11 +103,13 @@ class Filling {
                           Vec<Kpr32f>& weights, Vec<Kpr32f>& weighted) const {
         const Kpr64s column = x - disc_.reachX + i;
         const Lanes inside = insideRow(column, First(std::min(disc_.columns() - i, kTile)));
-        const auto known = static_cast<Mask<Kpr32f>>(inside.bits & ~Bits64{loadMask<Kpr32f>(unknown_[row] + column, inside)});
+        const auto known =
+            static_cast<Mask<Kpr32f>>(inside.bits & ~Bits64{loadMask<Kpr32f>(unknown_[row] + column, inside)});
         if (known == 0) return;
         const Lanes some{known};
         const auto gx = loadAs<Kpr32f>(plane.gx[row] + column, some), gy = loadAs<Kpr32f>(plane.gy[row] + column, some);
-        const auto dx = toFloat(broadcast(static_cast<Kpr32s>(column - x)) + laneConstant<Kpr32s>([](int k) { return k; }));
+        const auto dx =
+            toFloat(broadcast(static_cast<Kpr32s>(column - x)) + laneConstant<Kpr32s>([](int k) { return k; }));
         const auto dy = broadcast(static_cast<Kpr32f>(row - y));
         const auto across = abs(dy * gx - dx * gy);
         auto squared = gx * gx + gy * gy;

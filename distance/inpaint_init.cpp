@@ -41,7 +41,7 @@ KprStatus putSizes(Rows<const Kpr8u> mask, KprSize roi, Kpr32f radius, int chann
     int state = 0, buffer = 0;
     const KprStatus status =
         putSize(stateBytes(roi, radius), &state)
-            ?: putSize(InpaintWork::bytes(roi, 0, channels), &buffer)  // the mask of a larger image is not looked at
+            ?: putSize(InpaintWork::bytes(roi, 0, channels), &buffer)  // larger masks are not looked at
             ?: putSize(InpaintWork::bytes(roi, countSet(mask, roi), channels), &buffer);
     if (status == kprStatusOk) {
         *stateSize = state;
@@ -72,7 +72,8 @@ void orderPixels(Rows<const Kpr32f> dist, Rows<const Kpr8u> mask, KprSize roi, K
     auto* const keys = reinterpret_cast<Kpr64f*>(order);
     Kpr64s filled = 0;
     eachSet(mask, roi, [&](Kpr32s x, Kpr32s y) {
-        keys[filled++] = keyOf(dist[y][x], static_cast<Bits64>(Kpr64s{y} * roi.width + x));
+        const Kpr64s number = Kpr64s{y} * roi.width + x;
+        keys[filled++] = keyOf(dist[y][x], static_cast<Bits64>(number));
     });
     kprsSortAscend_64f_I(keys, static_cast<int>(count));
     for (Kpr64s i = 0; i < count; ++i) {
@@ -132,7 +133,8 @@ KprStatus checkedInit(KprInpaintState** state, const Kpr32f* dist, int distStep,
                         rowsFit<Kpr32f>(roi.width, distStep), stepsAlign<Kpr32f>(distStep), notNull(stateMemory))
                ?: failIf(buffer == nullptr && countSet({mask, maskStep}, roi) > 0, kprStatusNullPtr)
                ?: parametersServe(radius, method)
-               ?: prepare(state, {dist, distStep}, {mask, maskStep}, roi, radius, method, channels, stateMemory, buffer);
+               ?: prepare(state, {dist, distStep}, {mask, maskStep}, roi, radius, method, channels, stateMemory,
+                          buffer);
 }
 
 }  // namespace

@@ -6,8 +6,9 @@
 // and a pixel of zero mask rises, within the radius, to the mirror image of that below zero. The order of the visits is
 // part of the result, since each rounds.
 //
-// The first two passes look at every pixel, but what has a zero mask and no neighbour other than 0 stays 0: runs of such
-// pixels are passed over 64 at a time. Later sweeps go by flags, one bit for each of the four ways to come by a pixel.
+// The first two passes look at every pixel, but what has a zero mask and no neighbour other than 0 stays 0: runs of
+// such pixels are passed over 64 at a time. Later sweeps go by flags, one bit for each of the four ways to come by a
+// pixel.
 #include <algorithm>
 
 #include "frame/checks.h"
@@ -24,9 +25,7 @@ constexpr Kpr32f kEdge = -1e-10F;  // of a zero region, beside a positive pixel
 constexpr Kpr32f kAbsent = __builtin_inff();
 
 constexpr Kpr64s flagStride(Kpr64s width) { return roundUp(width, 32); }
-constexpr Bytes bufferBytes(KprSize roi) {
-    return (Bytes{roi.height} + 34) * (Bytes{flagStride(roi.width)} + 5) + 40;
-}
+constexpr Bytes bufferBytes(KprSize roi) { return (Bytes{roi.height} + 34) * (Bytes{flagStride(roi.width)} + 5) + 40; }
 
 Kpr32f bend(Kpr32f difference) { return __builtin_sqrtf(__builtin_fmaf(-difference, difference, 2.0F)); }
 

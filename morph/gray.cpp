@@ -32,17 +32,21 @@ class GrayWalk {
           value_(value),
           mask_(mask) {
         if (leavesOut_) border_.base = kprBorderConstant;
+        if (leavesOut_ && mask.header->hasFiller != 0) {
+            leavesOut_ = false;
+            value_ = filler();
+        }
         rows_ = rowsOf(roi.height, border_, LonePixel::Reflects);
         columns_ = columnsOf(roi.width, border_, LonePixel::Reflects);
         const Kpr64s maskWidth = mask.header->width, maskHeight = mask.header->height;
         extends_ = extendsRows(roi.width, maskWidth);
-        stride_ = grayStride<T>(roi.width, maskWidth);
+        stride_ = grayStride(roi.width, maskWidth);
         reach_ = std::max(mask.above(), mask.below());
         Workspace work(buffer, static_cast<Kpr64s>(grayBufferBytes<T>(roi, {mask.header->width, mask.header->height})));
         window_ = work.take<const T*>(maskHeight);
         ring_ = work.take<T>((2 * reach_ + 1) * stride_);
         constant_ = work.take<T>(stride_);
-        std::fill(constant_, constant_ + stride_, value);
+        std::fill(constant_, constant_ + stride_, value_);
     }
 
     KprStatus run() {
@@ -66,6 +70,10 @@ class GrayWalk {
 
   private:
     static constexpr Kpr64s kStep = kLanes<T>;
+
+    // Of bytes under heights none of which is above 0, what a sum cannot pass; of floats a NaN, which only a pixel with
+    // nothing else under its taps would show: one with a tap of its own has something.
+    static T filler() { return std::is_integral_v<T> ? Rule::kNothingLeft : std::numeric_limits<T>::quiet_NaN(); }
 
     T* slot(Kpr64s row) const {
         const Kpr64s slots = 2 * reach_ + 1, place = row % slots;
@@ -123,7 +131,8 @@ class GrayWalk {
             for (Kpr64s tap = from; tap < to; ++tap) {
                 const T* const pixels = row + mask_.taps[tap].column;
                 const Height<T> height = mask_.taps[tap].height;
-                for (int i = 0; i < vectors; ++i) v[i] = Rule::join(v[i], change(load(pixels + i * kStep, part), height));
+                for (int i = 0; i < vectors; ++i)
+                    v[i] = Rule::join(v[i], change(load(pixels + i * kStep, part), height));
             }
         };
         const auto raise = [](Vec<T> pixels, Height<T> h) { return Rule::raise(pixels, heightOf(h)); };
@@ -155,11 +164,12 @@ class GrayWalk {
                 const Height<T> height = mask_.taps[tap].height;
                 const Kpr64s column = x - mask_.left() + mask_.taps[tap].column;
                 Lanes there = First(std::clamp<Kpr64s>(endReal() - column, 0, kStep));
-                if (column < firstReal()) there.bits &= firstReal() - column < kStep ? ~Bits64{0} << (firstReal() - column) : 0;
+                if (column < firstReal())
+                    there.bits &= firstReal() - column < kStep ? ~Bits64{0} << (firstReal() - column) : 0;
                 there = part & there;
                 const auto pixels = load(window_[j] + x + mask_.taps[tap].column, there);
-                const auto candidate = height < 0 ? Rule::lower(pixels, heightOf(-height))
-                                                  : Rule::raise(pixels, heightOf(height));
+                const auto candidate =
+                    height < 0 ? Rule::lower(pixels, heightOf(-height)) : Rule::raise(pixels, heightOf(height));
                 v = merge(there, Rule::join(v, candidate), v);
                 any |= there.bits;
             }
@@ -179,8 +189,8 @@ class GrayWalk {
                     if (column == kConstant && leavesOut_) continue;
                     const Height<T> height = mask_.taps[tap].height;
                     const auto pixel = broadcast(pixelAt(y, j, column));
-                    v = Rule::join(v, height < 0 ? Rule::lower(pixel, heightOf(-height))
-                                                 : Rule::raise(pixel, heightOf(height)));
+                    v = Rule::join(
+                        v, height < 0 ? Rule::lower(pixel, heightOf(-height)) : Rule::raise(pixel, heightOf(height)));
                     any = true;
                 }
             }
@@ -248,11 +258,11 @@ KprStatus putSizes(KprSize roi, KprSize mask, int* specSize, int* bufferSize) {
 template <typename T>
 KprStatus fillBlock(const Height<T>* mask, KprSize size, KprPoint anchor, KprMorphGrayState* spec) {
     auto* const header = reinterpret_cast<GrayHeader*>(spec);
-    *header = {kGrayMagic<T>, size.width, size.height, anchor.x, anchor.y, 0, 0};
+    *header = {kGrayMagic<T>, size.width, size.height, anchor.x, anchor.y, 0, 0, 0};
     auto* const rows = reinterpret_cast<GrayRow*>(header + 1);
     auto* const taps = reinterpret_cast<GrayTap<T>*>(rows + size.height + 1);
     Kpr32s count = 0;
-    bool flat = true;
+    bool flat = true, rises = false;
     const auto take = [&](const Height<T>* heights, bool falling) {
         for (Kpr32s i = 0; i < size.width; ++i) {
             Height<T> height = heights[i];
@@ -261,6 +271,7 @@ KprStatus fillBlock(const Height<T>* mask, KprSize size, KprPoint anchor, KprMor
             if constexpr (std::is_same_v<T, Kpr8u>) height = std::clamp(height, -255, 255);
             taps[count] = {i, height};
             flat &= height == taps[0].height;
+            rises |= height > 0;
             ++count;
         }
     };
@@ -274,6 +285,8 @@ KprStatus fillBlock(const Height<T>* mask, KprSize size, KprPoint anchor, KprMor
     rows[size.height] = {count, count};
     header->taps = count;
     header->flat = flat && std::is_same_v<T, Kpr8u> ? 1 : 0;
+    const bool ownTap = isTap<T>(mask[Kpr64s{anchor.y} * size.width + anchor.x]);
+    header->hasFiller = (std::is_same_v<T, Kpr8u> ? !rises : ownTap) ? 1 : 0;
     return kprStatusOk;
 }
 
@@ -316,14 +329,16 @@ KprStatus kpriGrayDilateBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst,
                                       KprBorderType borderType, Kpr8u borderValue, const KprMorphGrayState* spec,
                                       Kpr8u* buffer) {
     return callServes(src, srcStep, dst, dstStep, roiSize, borderType, spec, buffer)
-               ?: grayExtremum<GrayDilation>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+               ?: grayExtremum<GrayDilation>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec,
+                                             buffer);
 }
 
 KprStatus kpriGrayDilateBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                        KprBorderType borderType, Kpr32f borderValue, const KprMorphGrayState* spec,
                                        Kpr8u* buffer) {
     return callServes(src, srcStep, dst, dstStep, roiSize, borderType, spec, buffer)
-               ?: grayExtremum<GrayDilation>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec, buffer);
+               ?: grayExtremum<GrayDilation>(src, srcStep, dst, dstStep, roiSize, borderType, borderValue, spec,
+                                             buffer);
 }
 
 KprStatus kpriGrayErodeBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,

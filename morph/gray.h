@@ -36,7 +36,8 @@ struct [[gnu::packed]] GrayHeader {
     Kpr32s width, height;
     Kpr32s anchorX, anchorY;
     Kpr32s taps;
-    Kpr32s flat;  // all taps have the height of the first
+    Kpr32s flat;       // all taps have the height of the first
+    Kpr32s hasFiller;  // there is a value for what lies outside under which it takes no part: see GrayWalk
 };
 
 template <typename T>
@@ -73,9 +74,8 @@ constexpr Kpr64s kWidestMask = 6;
 constexpr bool extendsRows(Kpr64s width, Kpr64s maskWidth) { return maskWidth - 1 <= kWidestMask * width; }
 
 // The pieces of the work buffer: a ring of source rows, which reaches from a row as far up and down as the mask does in
-// either direction, so that it holds what a reflection reads; one row of the border value; a pointer for each row of the
-// mask.
-template <typename T>
+// either direction, so that it holds what a reflection reads; one row of the border value; a pointer for each row of
+// the mask.
 constexpr Kpr64s grayStride(Kpr64s width, Kpr64s maskWidth) {
     return extendsRows(width, maskWidth) ? width + maskWidth - 1 : width;
 }
@@ -83,7 +83,7 @@ constexpr Kpr64s grayStride(Kpr64s width, Kpr64s maskWidth) {
 template <typename T>
 constexpr Bytes grayBufferBytes(KprSize roi, KprSize mask) {
     // The anchor, which is not known yet, may lie at the mask's edge.
-    return 2 * Bytes{mask.height} * grayStride<T>(roi.width, mask.width) * Bytes{sizeof(T)} +
+    return 2 * Bytes{mask.height} * grayStride(roi.width, mask.width) * Bytes{sizeof(T)} +
            Bytes{mask.height} * Bytes{sizeof(void*)} + 2 * alignof(void*);
 }
 

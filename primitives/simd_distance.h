@@ -111,7 +111,8 @@ KPR_INLINE void transpose(Vec<Kpr32f> (&v)[16]) {
         a[i + 3] = _mm512_shuffle_ps(hi0, hi1, 0xee);
     }
     for (int j = 0; j < 4; ++j) {  // 4 x 4 of quarters
-        const __m512 even0 = _mm512_shuffle_f32x4(a[j], a[4 + j], 0x88), odd0 = _mm512_shuffle_f32x4(a[j], a[4 + j], 0xdd);
+        const __m512 even0 = _mm512_shuffle_f32x4(a[j], a[4 + j], 0x88),
+                     odd0 = _mm512_shuffle_f32x4(a[j], a[4 + j], 0xdd);
         const __m512 even1 = _mm512_shuffle_f32x4(a[8 + j], a[12 + j], 0x88);
         const __m512 odd1 = _mm512_shuffle_f32x4(a[8 + j], a[12 + j], 0xdd);
         v[j] = vec(_mm512_shuffle_f32x4(even0, even1, 0x88));
@@ -121,7 +122,7 @@ KPR_INLINE void transpose(Vec<Kpr32f> (&v)[16]) {
     }
 }
 
-// Of 16 rows of 16 bytes each, given by row(i, part): in mask k, bit i says whether byte k of row i is not zero.
+// Of 16 rows of 16 bytes each, given by row(i): in mask k, bit i says whether byte k of row i is not zero.
 template <typename Row>
 KPR_INLINE void columnsNotZero(Row row, Mask<Kpr32f> (&masks)[16]) {
     __m512i z[4];

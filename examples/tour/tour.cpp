@@ -109,6 +109,7 @@ int main(int argc, char** argv) {
         tour::tourCorners(tour);
         tour::tourLines(tour);
         tour::tourSegments(tour);
+        tour::tourDistances(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';

@@ -68,5 +68,6 @@ void tourCoins(Tour& tour);
 void tourCorners(Tour& tour);
 void tourLines(Tour& tour);
 void tourSegments(Tour& tour);
+void tourDistances(Tour& tour);
 
 }  // namespace tour

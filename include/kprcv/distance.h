@@ -118,8 +118,8 @@ KprStatus kpriFastMarchingGetBufferSize_8u32f_C1R(KprSize roiSize, int* bufferSi
  * if that is below what it has. The first sweep down uses max(a, 0) and max(b, 0) instead; pixel (0, 0) starts with
  * 999999 if its mask is not zero, so that the field of a mask without a zero pixel grows from there.
  *
- * A pixel of zero mask has 0 where `radius` is 0. Otherwise one with a positive neighbour has -1e-10; farther inside, with
- * negative neighbours a and b, -|a - b| < 1 being required:
+ * A pixel of zero mask has 0 where `radius` is 0. Otherwise one with a positive neighbour has -1e-10; farther inside,
+ * with two negative neighbours of which |a - b| < 1:
  *
  *     0.5 * ((a + b) - sqrt(fma(-(a - b), a - b, 2)))
  *
@@ -167,11 +167,12 @@ KprStatus kpriInpaintGetSize(const Kpr8u* mask, int maskStep, KprSize roiSize, K
  *     method 1:  c / sqrt((gx^2 + gy^2) * r^2) / (1 + (r^2)^2)
  *
  * where (dx, dy) leads to the known pixel and (gx, gy) is the gradient there: what lies along an edge through the known
- * pixel counts most. c = 0 counts as a quotient of 1e-6. The gradient is that of neighbours at the sides: the difference
- * of both, or twice that to one where the other is unknown or outside of the ROI; it is taken when the filling begins,
- * and of a filled pixel when it has been filled. Where the weights add up to less than 1e-4, the pixel becomes the mean
- * of its known neighbours at the four sides, if there is one. A pixel with nothing known in its disc becomes 0. Values
- * are formed in single precision and rounded to nearest, halves up. Of three channels each is filled as if alone.
+ * pixel counts most. c = 0 counts as a quotient of 1e-6. The gradient is that of neighbours at the sides: the
+ * difference of both, or twice that to one where the other is unknown or outside of the ROI; it is taken when the
+ * filling begins, and of a filled pixel when it has been filled. Where the weights add up to less than 1e-4, the pixel
+ * becomes the mean of its known neighbours at the four sides, if there is one. A pixel with nothing known in its disc
+ * becomes 0. Values are formed in single precision and rounded to nearest, halves up. Of three channels each is filled
+ * as if alone.
  *
  * state         receives the state, which lies in stateMemory
  * dist          distances that order the filling, such as those of kpriFastMarching_8u32f_C1R; read where the mask is
@@ -179,12 +180,12 @@ KprStatus kpriInpaintGetSize(const Kpr8u* mask, int maskStep, KprSize roiSize, K
  * mask          not zero where a pixel is to be filled. Neither mask nor distances are needed any more after the call.
  * distStep, maskStep   bytes from row to row
  * radius, method       as given to kpriInpaintGetSize
- * stateMemory, buffer  of the sizes told by kpriInpaintGetSize, at any address. The buffer goes unchanged with the state
- *               to each filling call; it may be null if the mask is all zero.
+ * stateMemory, buffer  of the sizes told by kpriInpaintGetSize, at any address. The buffer goes unchanged with the
+ *               state to each filling call; it may be null if the mask is all zero.
  *
  * Returns kprStatusOk, or the first of: kprStatusNullPtr (mask), kprStatusBadSize, kprStatusBadStep (mask),
- * kprStatusNullPtr (state, dist), kprStatusBadStep, kprStatusStepNotMultiple (dist), kprStatusNullPtr (stateMemory, then
- * buffer), kprStatusBadArg (a radius below 1 or NaN, another method). */
+ * kprStatusNullPtr (state, dist), kprStatusBadStep, kprStatusStepNotMultiple (dist), kprStatusNullPtr (stateMemory,
+ * then buffer), kprStatusBadArg (a radius below 1 or NaN, another method). */
 KprStatus kpriInpaintInit_8u_C1R(KprInpaintState** state, const Kpr32f* dist, int distStep, const Kpr8u* mask,
                                  int maskStep, KprSize roiSize, Kpr32f radius, int method, Kpr8u* stateMemory,
                                  Kpr8u* buffer);

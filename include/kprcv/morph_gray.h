@@ -25,7 +25,7 @@ KprStatus kpriMorphGrayGetSize_32f_C1R(KprSize roiSize, KprSize maskSize, int* s
 /* Fills a state block.
  *
  * roiSize      as given to GetSize
- * mask         maskSize.width * maskSize.height heights, row after row without gaps; not needed any more after the call.
+ * mask         maskSize.width * maskSize.height heights, row after row without gaps; not needed after the call.
  *              -2147483648 (8u) or negative infinity (32f) marks a place that is no tap.
  * anchor       the place of the mask that is laid on a pixel, from (0, 0) on
  * spec         the block, of the size that GetSize told, at any address
@@ -51,7 +51,7 @@ KprStatus kpriMorphGrayInit_32f_C1R(KprSize roiSize, const Kpr32f* mask, KprSize
  * src, dst      may be the same image with the same step; must not overlap otherwise
  * srcStep, dstStep   bytes from row to row
  * roiSize       pixels; at least 1 x 1 and no larger than given to GetSize, in either direction
- * borderType    kprBorderReplicate, kprBorderMirror, kprBorderConstant or kprBorderDefault, with flags for sides on which
+ * borderType    kprBorderReplicate, kprBorderMirror, kprBorderConstant or kprBorderDefault, with flags for sides where
  *               pixels outside of the ROI are memory: ax columns on the left, maskSize.width - 1 - ax on the right, ay
  *               rows above and maskSize.height - 1 - ay below are read there, of a mask with taps. Bits 8 to 11 mean
  *               nothing. With kprBorderDefault what lies outside takes no part, and a pixel for which no tap is left
