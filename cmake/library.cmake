@@ -10,6 +10,9 @@ add_library(kprcv_objects OBJECT
     feature/canny.cpp
     feature/canny_border.cpp
     feature/edge_planes.cpp
+    feature/eigenvalues.cpp
+    feature/harris.cpp
+    feature/structure_rows.cpp
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp

@@ -70,6 +70,37 @@ KPR_INLINE Vec<Kpr32s> oneLessWhere(Mask<Kpr32s> where, Vec<Kpr32s> v) {
     return vec<Kpr32s>(_mm512_mask_sub_epi32(bits(v), where, bits(v), _mm512_set1_epi32(1)));
 }
 
+// c - a * b, rounded once.
+KPR_INLINE Vec<Kpr32f> minusProduct(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
+    return vec(_mm512_fnmadd_ps(ps(a), ps(b), ps(c)));
+}
+
+// The first or second eight lanes of a and b in turn.
+template <int which>
+KPR_INLINE Vec<Kpr64f> pairsOf(Vec<Kpr32f> a, Vec<Kpr32f> b) {
+    constexpr int from = which == 0 ? 0 : 8;
+    const __m512i turns = _mm512_add_epi32(
+        _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23), _mm512_set1_epi32(from));
+    return vec(_mm512_castps_pd(_mm512_permutex2var_ps(ps(a), turns, ps(b))));
+}
+
+// Three vectors whose lanes follow one another in turn: a0 b0 c0 a1 ..., of which `which` is the first, second or
+// third.
+template <int which>
+KPR_INLINE Vec<Kpr64f> inTurn(Vec<Kpr64f> a, Vec<Kpr64f> b, Vec<Kpr64f> c) {
+    // Of a and b first, what belongs to c is put in afterwards.
+    const auto two = laneConstant<Bits64>([](int i) {
+        const int lane = which * 8 + i;
+        return lane % 3 == 2 ? 0 : lane / 3 + lane % 3 * 8;
+    });
+    const auto third = laneConstant<Bits64>([](int i) {
+        const int lane = which * 8 + i;
+        return lane % 3 == 2 ? 8 + lane / 3 : i;
+    });
+    const __m512d both = _mm512_permutex2var_pd(pd(a), bits(two), pd(b));
+    return vec(_mm512_permutex2var_pd(both, bits(third), pd(c)));
+}
+
 // The 32-bit sums that `sumPairs` made of the lower and the upper interleaving, in the order of the columns.
 struct Ordered {
     Vec<Kpr32s> first, second;

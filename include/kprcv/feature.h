@@ -3,5 +3,6 @@
 #define KPRCV_FEATURE_H
 
 #include <kprcv/feature_edges.h>
+#include <kprcv/feature_measures.h>
 
 #endif
