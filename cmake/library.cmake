@@ -9,6 +9,7 @@ add_library(kprcv_objects OBJECT
     frame/version.cpp
     feature/canny.cpp
     feature/canny_border.cpp
+    feature/colour_gradient.cpp
     feature/edge_planes.cpp
     feature/eigenvalues.cpp
     feature/harris.cpp

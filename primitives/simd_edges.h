@@ -1,6 +1,8 @@
 // What edges, corners and colours ask of vectors beyond the rest.
 #pragma once
 
+#include <utility>
+
 #include "primitives/simd.h"
 
 namespace n0 {
@@ -100,6 +102,113 @@ KPR_INLINE Vec<Kpr64f> inTurn(Vec<Kpr64f> a, Vec<Kpr64f> b, Vec<Kpr64f> c) {
     const __m512d both = _mm512_permutex2var_pd(pd(a), bits(two), pd(b));
     return vec(_mm512_permutex2var_pd(both, bits(third), pd(c)));
 }
+
+// The lanes of both, which are from 0 to 65535, in their order.
+KPR_INLINE Vec<Kpr16u> narrowed(Vec<Kpr32s> first, Vec<Kpr32s> second) {
+    return vec<Kpr16u>(_mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvtepi32_epi16(bits(first))),
+                                          _mm512_cvtepi32_epi16(bits(second)), 1));
+}
+
+// ---- pixels of three channels
+
+// The elements of kLanes<T> pixels from `skipped` elements on, in the order of memory.
+template <typename T>
+struct Triple {
+    Vec<T> first, second, third;
+};
+template <int skipped = 0, typename T>
+KPR_INLINE Triple<T> loadPixels(const T* src, All) {
+    constexpr int lanes = kLanes<T>;
+    const T* const from = src + skipped;
+    return {load(from, All{}), load(from + lanes, All{}), load(from + 2 * lanes, First{lanes - skipped})};
+}
+template <int skipped = 0, typename T>
+KPR_INLINE Triple<T> loadPixels(const T* src, First part) {
+    constexpr int lanes = kLanes<T>;
+    const Kpr64s elements = 3 * _mm_popcnt_u64(part.bits) - skipped;
+    const auto after = [=](Kpr64s count) { return First{elements > count ? elements - count : 0}; };
+    const T* const from = src + skipped;
+    return {load(from, after(0)), load(from + lanes, after(lanes)), load(from + 2 * lanes, after(2 * lanes))};
+}
+
+// One channel of the pixels.
+template <int channel, typename T>
+KPR_INLINE Vec<T> channelOf(const Triple<T>& pixels) {
+    constexpr int lanes = kLanes<T>;
+    using Index = std::conditional_t<sizeof(T) == 2, Kpr16u, Kpr32s>;
+    const auto from = laneConstant<Index>([](int i) { return (3 * i + channel) % (2 * lanes); });
+    constexpr Bits64 inThird = [] {
+        Bits64 set = 0;
+        for (int i = 0; i < lanes; ++i) set |= static_cast<Bits64>(3 * i + channel >= 2 * lanes) << i;
+        return set;
+    }();
+    const __m512i a = bits(pixels.first), b = bits(pixels.second), c = bits(pixels.third), at = bits(from);
+    if constexpr (sizeof(T) == 2)
+        return vec<T>(_mm512_mask_permutexvar_epi16(_mm512_permutex2var_epi16(a, at, b),
+                                                    static_cast<__mmask32>(inThird), at, c));
+    else
+        return as<T>(vec<Kpr32s>(_mm512_mask_permutexvar_epi32(_mm512_permutex2var_epi32(a, at, b),
+                                                               static_cast<__mmask16>(inThird), at, c)));
+}
+
+// Of 192 bytes, those at which pixels begin, or those of the pairs in which pixels begin: the first of the pair.
+template <bool pairs>
+KPR_INLINE Vec<Kpr8u> pixelBytes(const Triple<Kpr8u>& v) {
+    // In 16 pixels the first 16 bytes have 6 beginnings, the second and the third 5. Blocks of 16 bytes are gathered by
+    // which of the three they are, each lane for one of the four groups of pixels.
+    const auto blocks = [](Vec<Kpr8u> a, Vec<Kpr8u> b, Vec<Kpr8u> c, unsigned fromB, unsigned fromC) {
+        return _mm512_mask_blend_epi32(static_cast<__mmask16>(fromC),
+                                       _mm512_mask_blend_epi32(static_cast<__mmask16>(fromB), bits(a), bits(b)),
+                                       bits(c));
+    };
+    const __m512i zeroth = blocks(v.first, v.second, v.third, 0x0f00, 0x00f0);  // blocks 0, 9, 6, 3
+    const __m512i first = blocks(v.first, v.second, v.third, 0xf00f, 0x0f00);   // 4, 1, 10, 7
+    const __m512i second = blocks(v.first, v.second, v.third, 0x00f0, 0xf00f);  // 8, 5, 2, 11
+    const auto taken = [](auto which) {
+        return laneConstant<Kpr8u>([](int i) {
+            constexpr int block = decltype(which)::value;
+            const int begin = block == 0 ? 0 : 5 * block + 1, count = block == 0 ? 6 : 5, pixel = i % 16 - begin;
+            const int byte = 3 * pixel + 2 * block % 3;
+            return pixel < 0 || pixel >= count ? 0x80 : pairs ? byte & ~1 : byte;
+        });
+    };
+    const auto put = [](__m512i block, Vec<Kpr8u> from) { return _mm512_shuffle_epi8(block, bits(from)); };
+    const __m512i a = put(zeroth, taken(std::integral_constant<int, 0>{}));
+    const __m512i b = put(first, taken(std::integral_constant<int, 1>{}));
+    const __m512i c = put(second, taken(std::integral_constant<int, 2>{}));
+    return combine<0xfe>(vec<Kpr8u>(_mm512_shuffle_i32x4(a, a, 0x6c)), vec<Kpr8u>(_mm512_shuffle_i32x4(b, b, 0xb1)),
+                         vec<Kpr8u>(_mm512_shuffle_i32x4(c, c, 0xc6)));
+}
+
+// Lane i is the sum of the squares of the bytes of pixel i; the pixels are the first 48 bytes.
+KPR_INLINE Vec<Kpr32s> squaresOfPixels(Vec<Kpr8u> pixels) {
+    const auto fours = permute(as<Kpr32s>(pixels), laneConstant<Kpr32s>([](int i) {
+                                   return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4;
+                               }));
+    const auto two = permuteIn16(as<Kpr8u>(fours), laneConstant<Kpr8u>([](int i) {
+                                     return i % 2 == 1 ? 0x80 : i % 16 / 4 * 3 + i % 4 / 2;
+                                 }));
+    const auto one = permuteIn16(as<Kpr8u>(fours), laneConstant<Kpr8u>([](int i) {
+                                     return i % 4 == 0 ? i % 16 / 4 * 3 + 2 : 0x80;
+                                 }));
+    return sumPairs(as<Kpr16s>(two), as<Kpr16s>(two)) + sumPairs(as<Kpr16s>(one), as<Kpr16s>(one));
+}
+
+// The inverse root of what is above zero, off by up to 2^-14 of it: what is made of it must not show which.
+KPR_INLINE Vec<Kpr32f> nearInverseRoot(Vec<Kpr32f> v) { return vec(_mm512_rsqrt14_ps(ps(v))); }
+
+// The nearest integers to the roots of (a * a + b * b + c * c) / 3, of integers up to 65535; exact.
+KPR_INLINE Vec<Kpr32s> rootMeanSquares(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
+    const auto root = [&](auto which) {
+        const auto wide = [](Vec<Kpr32f> v) { return half<decltype(which)::value>(v); };
+        const Vec<Kpr64f> sum = wide(a) * wide(a) + wide(b) * wide(b) + wide(c) * wide(c);
+        return _mm512_cvtpd_epi32(_mm512_sqrt_pd(pd(sum / broadcast(3.0))));
+    };
+    return vec<Kpr32s>(_mm512_inserti64x4(_mm512_castsi256_si512(root(std::integral_constant<int, 0>{})),
+                                          root(std::integral_constant<int, 1>{}), 1));
+}
+
+// ---- sums
 
 // The 32-bit sums that `sumPairs` made of the lower and the upper interleaving, in the order of the columns.
 struct Ordered {

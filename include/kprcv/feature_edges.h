@@ -25,6 +25,13 @@ KprStatus kpriCannyBorder_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int 
                                  Kpr32f lowThreshold, Kpr32f highThreshold, int norm, Kpr8u* buffer);
 KprStatus kpriCannyBorderGetSize(KprSize roiSize, int filterType, KprMaskSize maskSize, int norm, int* result);
 
+KprStatus kpriGradientColorToGray_8u_C3C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                                           int norm);
+KprStatus kpriGradientColorToGray_16u_C3C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
+                                            int norm);
+KprStatus kpriGradientColorToGray_32f_C3C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
+                                            int norm);
+
 #ifdef __cplusplus
 }
 #endif
