@@ -25,7 +25,9 @@ struct Largest {
               part);
     }
     static Vec<Kpr16u> of(Vec<Kpr16u> a, Vec<Kpr16u> b, Vec<Kpr16u> c) { return max(max(a, b), c); }
-    static Vec<Kpr32f> of(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) { return larger(larger(abs(a), abs(b)), abs(c)); }
+    static Vec<Kpr32f> of(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
+        return larger(larger(abs(a), abs(b)), abs(c));
+    }
 };
 
 struct Mean {

@@ -43,8 +43,8 @@ struct Eigen {
 template <typename Part>
 KPR_INLINE void storeEigen(Kpr32f* dst, const Eigen& e, Part part) {
     const auto put = [&](auto which, auto half) {
-        const auto three = inTurn<which>(pairsOf<half>(e.l1, e.l2), pairsOf<half>(e.x1, e.y1),
-                                         pairsOf<half>(e.x2, e.y2));
+        const auto three =
+            inTurn<which>(pairsOf<half>(e.l1, e.l2), pairsOf<half>(e.x1, e.y1), pairsOf<half>(e.x2, e.y2));
         constexpr int at = 48 * half + 16 * which;
         if constexpr (std::is_same_v<Part, All>) {
             store(dst + at, as<Kpr32f>(three), All{});
@@ -210,28 +210,14 @@ KprStatus kpriMinEigenValGetBufferSize_32f_C1R(KprSize roiSize, int apertureSize
 
 KprStatus kpriMinEigenVal_8u32f_C1R(const Kpr8u* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                     int kernelType, int apertureSize, int avgWindow, Kpr8u* buffer) {
-    return smallerEigenvalue<Kpr8u>({{src, srcStep},
-                                     {dst, dstStep},
-                                     roiSize,
-                                     kernelType,
-                                     apertureSize,
-                                     avgWindow,
-                                     kprBorderReplicate,
-                                     0,
-                                     buffer});
+    return smallerEigenvalue<Kpr8u>(
+        {{src, srcStep}, {dst, dstStep}, roiSize, kernelType, apertureSize, avgWindow, kprBorderReplicate, 0, buffer});
 }
 
 KprStatus kpriMinEigenVal_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                   int kernelType, int apertureSize, int avgWindow, Kpr8u* buffer) {
-    return smallerEigenvalue<Kpr32f>({{src, srcStep},
-                                      {dst, dstStep},
-                                      roiSize,
-                                      kernelType,
-                                      apertureSize,
-                                      avgWindow,
-                                      kprBorderReplicate,
-                                      0,
-                                      buffer});
+    return smallerEigenvalue<Kpr32f>(
+        {{src, srcStep}, {dst, dstStep}, roiSize, kernelType, apertureSize, avgWindow, kprBorderReplicate, 0, buffer});
 }
 
 KprStatus kpriMinEigenValBorder_8u32f_C1R(const Kpr8u* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
@@ -272,28 +258,14 @@ KprStatus kpriEigenValsVecsGetBufferSize_32f_C1R(KprSize roiSize, int apertureSi
 
 KprStatus kpriEigenValsVecs_8u32f_C1R(const Kpr8u* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                       int kernelType, int apertureSize, int avgWindow, Kpr8u* buffer) {
-    return eigenvectors<Kpr8u>({{src, srcStep},
-                                {dst, dstStep},
-                                roiSize,
-                                kernelType,
-                                apertureSize,
-                                avgWindow,
-                                kprBorderReplicate,
-                                0,
-                                buffer});
+    return eigenvectors<Kpr8u>(
+        {{src, srcStep}, {dst, dstStep}, roiSize, kernelType, apertureSize, avgWindow, kprBorderReplicate, 0, buffer});
 }
 
 KprStatus kpriEigenValsVecs_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
                                     int kernelType, int apertureSize, int avgWindow, Kpr8u* buffer) {
-    return eigenvectors<Kpr32f>({{src, srcStep},
-                                 {dst, dstStep},
-                                 roiSize,
-                                 kernelType,
-                                 apertureSize,
-                                 avgWindow,
-                                 kprBorderReplicate,
-                                 0,
-                                 buffer});
+    return eigenvectors<Kpr32f>(
+        {{src, srcStep}, {dst, dstStep}, roiSize, kernelType, apertureSize, avgWindow, kprBorderReplicate, 0, buffer});
 }
 
 KprStatus kpriEigenValsVecsBorder_8u32f_C1R(const Kpr8u* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,

@@ -125,9 +125,8 @@ constexpr KprStatus filterHolds(int filter, KprMaskSize mask) {
 template <typename Src>
 KprStatus harris(const Job<Src>& job) {
     const bool inPlace = static_cast<const void*>(job.src.first) == job.dst.first;
-    return firstFailure(notNull(job.src.first, job.dst.first, job.buffer),
-                        failIf(inPlace, kprStatusInPlaceUnsupported), roiHolds(job.roi),
-                        stepsAlign<Kpr32f>(job.dst.step), filterHolds(job.filter, job.mask),
+    return firstFailure(notNull(job.src.first, job.dst.first, job.buffer), failIf(inPlace, kprStatusInPlaceUnsupported),
+                        roiHolds(job.roi), stepsAlign<Kpr32f>(job.dst.step), filterHolds(job.filter, job.mask),
                         borderServesFilter(job.border), failIf(job.window < 1, kprStatusBadSize),
                         failIf(job.src.step < 0 || job.dst.step < 0, kprStatusBadStep))
                ?: respond(job);

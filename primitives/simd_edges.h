@@ -81,8 +81,8 @@ KPR_INLINE Vec<Kpr32f> minusProduct(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c)
 template <int which>
 KPR_INLINE Vec<Kpr64f> pairsOf(Vec<Kpr32f> a, Vec<Kpr32f> b) {
     constexpr int from = which == 0 ? 0 : 8;
-    const __m512i turns = _mm512_add_epi32(
-        _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23), _mm512_set1_epi32(from));
+    const __m512i turns = _mm512_add_epi32(_mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23),
+                                           _mm512_set1_epi32(from));
     return vec(_mm512_castps_pd(_mm512_permutex2var_ps(ps(a), turns, ps(b))));
 }
 
@@ -144,8 +144,8 @@ KPR_INLINE Vec<T> channelOf(const Triple<T>& pixels) {
     }();
     const __m512i a = bits(pixels.first), b = bits(pixels.second), c = bits(pixels.third), at = bits(from);
     if constexpr (sizeof(T) == 2)
-        return vec<T>(_mm512_mask_permutexvar_epi16(_mm512_permutex2var_epi16(a, at, b),
-                                                    static_cast<__mmask32>(inThird), at, c));
+        return vec<T>(
+            _mm512_mask_permutexvar_epi16(_mm512_permutex2var_epi16(a, at, b), static_cast<__mmask32>(inThird), at, c));
     else
         return as<T>(vec<Kpr32s>(_mm512_mask_permutexvar_epi32(_mm512_permutex2var_epi32(a, at, b),
                                                                static_cast<__mmask16>(inThird), at, c)));
@@ -182,15 +182,12 @@ KPR_INLINE Vec<Kpr8u> pixelBytes(const Triple<Kpr8u>& v) {
 
 // Lane i is the sum of the squares of the bytes of pixel i; the pixels are the first 48 bytes.
 KPR_INLINE Vec<Kpr32s> squaresOfPixels(Vec<Kpr8u> pixels) {
-    const auto fours = permute(as<Kpr32s>(pixels), laneConstant<Kpr32s>([](int i) {
-                                   return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4;
-                               }));
-    const auto two = permuteIn16(as<Kpr8u>(fours), laneConstant<Kpr8u>([](int i) {
-                                     return i % 2 == 1 ? 0x80 : i % 16 / 4 * 3 + i % 4 / 2;
-                                 }));
-    const auto one = permuteIn16(as<Kpr8u>(fours), laneConstant<Kpr8u>([](int i) {
-                                     return i % 4 == 0 ? i % 16 / 4 * 3 + 2 : 0x80;
-                                 }));
+    const auto fours =
+        permute(as<Kpr32s>(pixels), laneConstant<Kpr32s>([](int i) { return i % 4 == 3 ? 0 : i / 4 * 3 + i % 4; }));
+    const auto two = permuteIn16(
+        as<Kpr8u>(fours), laneConstant<Kpr8u>([](int i) { return i % 2 == 1 ? 0x80 : i % 16 / 4 * 3 + i % 4 / 2; }));
+    const auto one = permuteIn16(as<Kpr8u>(fours),
+                                 laneConstant<Kpr8u>([](int i) { return i % 4 == 0 ? i % 16 / 4 * 3 + 2 : 0x80; }));
     return sumPairs(as<Kpr16s>(two), as<Kpr16s>(two)) + sumPairs(as<Kpr16s>(one), as<Kpr16s>(one));
 }
 

@@ -80,9 +80,8 @@ auto eigenvalues(Function function, int floats) {
         int bytes = 0;
         kpriMinEigenValGetBufferSize_32f_C1R(size, 3, 3, &bytes);
         std::vector<Kpr8u> buffer(static_cast<std::size_t>(bytes));
-        bench::measure(state, size, {sizeof(T), 4 * static_cast<std::size_t>(floats)}, [&] {
-            function(src.data(), src.step(), dst.data(), dst.step(), size, 0, 3, 3, buffer.data());
-        });
+        bench::measure(state, size, {sizeof(T), 4 * static_cast<std::size_t>(floats)},
+                       [&] { function(src.data(), src.step(), dst.data(), dst.step(), size, 0, 3, 3, buffer.data()); });
     };
 }
 

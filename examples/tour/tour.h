@@ -17,6 +17,7 @@ class Tour {
     const Image<Kpr8u>& colour() const { return colour_; }  // and in colour
     // One of the photographs that come with the library, for steps that want a scene of their own.
     Gray example(const std::string& file) const { return readGray(photosDir_ + "/" + file); }
+    Image<Kpr8u> exampleInColour(const std::string& file) const { return readColour(photosDir_ + "/" + file); }
 
     // A heading on the page, one for each family.
     void chapter(const std::string& title, const std::string& text);
@@ -63,6 +64,7 @@ void tourBorderWords(Tour& tour);
 void tourGaussian(Tour& tour);
 void tourFilters(Tour& tour);
 void tourMorphology(Tour& tour);
+void tourEdges(Tour& tour);
 void tourCoins(Tour& tour);
 
 }  // namespace tour

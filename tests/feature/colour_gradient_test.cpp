@@ -20,7 +20,7 @@ T joined(T a, T b, T c, int norm) {
         // The integer whose distance to the root is least: (r - 1/2)^2 <= squares / 3 < (r + 1/2)^2.
         auto r = static_cast<std::int64_t>(std::sqrt(static_cast<double>(squares) / 3.0));
         while (3 * (2 * r + 1) * (2 * r + 1) <= 4 * squares) ++r;
-        while (3 * (2 * r - 1) * (2 * r - 1) > 4 * squares) --r;
+        while (r > 0 && 3 * (2 * r - 1) * (2 * r - 1) > 4 * squares) --r;
         return static_cast<T>(r);
     }
 }
@@ -37,9 +37,8 @@ void check(Function function, KprSize roi, test::Random& random, bool wild) {
         GuardedImage<T> dst(roi, random);
         ASSERT_EQ(function(src.data(), src.step(), dst.data(), dst.step(), roi, norm), kprStatusOk);
         SCOPED_TRACE(testing::Message() << "norm " << norm);
-        test::expectImage(dst, [&](int x, int y, int) {
-            return joined<T>(src.at(x, y, 0), src.at(x, y, 1), src.at(x, y, 2), norm);
-        });
+        test::expectImage(
+            dst, [&](int x, int y, int) { return joined<T>(src.at(x, y, 0), src.at(x, y, 1), src.at(x, y, 2), norm); });
     }
 }
 

@@ -33,8 +33,9 @@ float derivative(test::BorderedImage<Src>& src, int x, int y, const std::vector<
                  const std::vector<int>& down) {
     using Sum = std::conditional_t<sizeof(Src) == 1, Kpr16s, float>;
     const int r = static_cast<int>(across.size()) / 2;
-    return static_cast<float>(test::tapsOver<Sum>(
-        down, [&](int j) { return test::tapsOver<Sum>(across, [&](int i) { return src.at(x + i - r, y + j - r, 0); }); }));
+    return static_cast<float>(test::tapsOver<Sum>(down, [&](int j) {
+        return test::tapsOver<Sum>(across, [&](int i) { return src.at(x + i - r, y + j - r, 0); });
+    }));
 }
 
 // The products at a place of the plane.
@@ -113,10 +114,9 @@ void checkEigen(EigenCall<Src> function, bool vectors, KprSize roi, KprBorderTyp
     drawImage(src, random, random.oneIn(3));
     GuardedImage<Kpr32f> dst(roi, random, vectors ? 6 : 1);
     int size = 0;
-    const auto sizing = sizeof(Src) == 1 ? (vectors ? kpriEigenValsVecsGetBufferSize_8u32f_C1R
-                                                    : kpriMinEigenValGetBufferSize_8u32f_C1R)
-                                         : (vectors ? kpriEigenValsVecsGetBufferSize_32f_C1R
-                                                    : kpriMinEigenValGetBufferSize_32f_C1R);
+    const auto sizing =
+        sizeof(Src) == 1 ? (vectors ? kpriEigenValsVecsGetBufferSize_8u32f_C1R : kpriMinEigenValGetBufferSize_8u32f_C1R)
+                         : (vectors ? kpriEigenValsVecsGetBufferSize_32f_C1R : kpriMinEigenValGetBufferSize_32f_C1R);
     ASSERT_EQ(sizing(roi, aperture, window, &size), kprStatusOk);
     const Buffer buffer(size);
     ASSERT_EQ(function(src.data(), src.step(), dst.data(), dst.step(), roi, kernel, aperture, window, word,
@@ -129,7 +129,8 @@ void checkEigen(EigenCall<Src> function, bool vectors, KprSize roi, KprBorderTyp
     // Averages see the base mode on all sides, the reflection where all are in memory.
     const KprBorderType mode = (word & 240) == 240 ? KprBorderType{kprBorderMirror} : base;
     const auto at = [&](int x, int y) {
-        const auto u = reference::extended(x, roi.width, mode, 0, 0), v = reference::extended(y, roi.height, mode, 0, 0);
+        const auto u = reference::extended(x, roi.width, mode, 0, 0),
+                   v = reference::extended(y, roi.height, mode, 0, 0);
         const auto value = static_cast<float>(*src.value());
         return u && v ? products[static_cast<std::size_t>(*v * roi.width + *u)] : Tensor{value, value, value};
     };
@@ -185,7 +186,9 @@ void checkHarris(Function function, KprSize roi, KprBorderType word, int window,
         int filter;
         KprMaskSize mask;
         const Derivatives& kernels;
-    } filters[] = {{kprFilterSobel, 33, kSobel3}, {kprFilterSobel, 55, kSobel5}, {kprFilterScharr, 33, kScharr},
+    } filters[] = {{kprFilterSobel, 33, kSobel3},
+                   {kprFilterSobel, 55, kSobel5},
+                   {kprFilterScharr, 33, kScharr},
                    {kprFilterCentralDifference, 33, kCentral}};
     const auto& filter = filters[random.range(0, 3)];
     const int r = filter.mask / 22, before = (window - 1) / 2, after = window / 2;
@@ -201,12 +204,15 @@ void checkHarris(Function function, KprSize roi, KprBorderType word, int window,
                        scale, word, *src.value(), buffer.data()),
               kprStatusOk);
     // The plane of products: with what the windows find in memory. Its derivatives are those of the plane's image.
-    const int left = (word & kprBorderInMemLeft) != 0 ? before : 0, right = (word & kprBorderInMemRight) != 0 ? after : 0;
-    const int top = (word & kprBorderInMemTop) != 0 ? before : 0, bottom = (word & kprBorderInMemBottom) != 0 ? after : 0;
+    const int left = (word & kprBorderInMemLeft) != 0 ? before : 0,
+              right = (word & kprBorderInMemRight) != 0 ? after : 0;
+    const int top = (word & kprBorderInMemTop) != 0 ? before : 0,
+              bottom = (word & kprBorderInMemBottom) != 0 ? after : 0;
     const int width = left + roi.width + right, height = top + roi.height + bottom;
     std::vector<Tensor> products;
     for (int y = -top; y < roi.height + bottom; ++y) {
-        for (int x = -left; x < roi.width + right; ++x) products.push_back(productsAt(src, x, y, filter.kernels, false));
+        for (int x = -left; x < roi.width + right; ++x)
+            products.push_back(productsAt(src, x, y, filter.kernels, false));
     }
     const KprBorderType mode = (word & 15) == 0 ? KprBorderType{kprBorderConstant} : word & 15;
     const auto at = [&](int x, int y) {
@@ -300,7 +306,8 @@ TEST(CornerMeasures, StatusLadders) {
     const auto plain = [](auto& ladder) { ladder.template with<8>(scratch); };
     const auto bordered = [](auto& ladder) {
         ladder.template with<10>(scratch).template with<8>(kprBorderMirror);
-        for (KprBorderType word : {0U, 2U, 0x70U, 0x1000U, 0x1001U}) ladder.template refuses<8>(word, kprStatusBadBorder);
+        for (KprBorderType word : {0U, 2U, 0x70U, 0x1000U, 0x1001U})
+            ladder.template refuses<8>(word, kprStatusBadBorder);
     };
     eigen(LADDER(kpriMinEigenVal_8u32f_C1R), false, false, plain);
     eigen(LADDER(kpriMinEigenVal_32f_C1R), true, false, plain);
