@@ -18,7 +18,7 @@ namespace {
 struct Largest {
     template <typename Part>
     KPR_INLINE static void join(Part part, Kpr8u* dst, const Kpr8u* src) {
-        const Triple<Kpr8u> a = loadPixels<0>(src, part), b = loadPixels<1>(src, part), c = loadPixels<2>(src, part);
+        const Triple<Kpr8u> a = grouped(loadPixels(src, part)), b = furtherOn<1>(a), c = furtherOn<2>(a);
         store(dst,
               pixelBytes<false>({max(max(a.first, b.first), c.first), max(max(a.second, b.second), c.second),
                                  max(max(a.third, b.third), c.third)}),
@@ -32,15 +32,15 @@ struct Largest {
 
 struct Mean {
     // The sum of a pixel that begins in the pair of bytes at x: two of the pair and one behind it, or one and two. The
-    // weights say which; 64 * vector is where the pairs begin.
-    template <int vector>
+    // weights say which; the pairs begin 16 * block bytes after a pixel did.
+    template <int block>
     KPR_INLINE static Vec<Kpr8u> thirds(Vec<Kpr8u> here, Vec<Kpr8u> behind) {
         const auto first = laneConstant<Kpr8s>([](int i) {
-            const int pair = 64 * vector + i / 2 * 2;
+            const int pair = 16 * block + i % 16 / 2 * 2;
             return i % 2 == 0 ? pair % 3 == 0 : pair % 3 != 1;
         });
         const auto second = laneConstant<Kpr8s>([](int i) {
-            const int pair = 64 * vector + i / 2 * 2;
+            const int pair = 16 * block + i % 16 / 2 * 2;
             return i % 2 == 0 ? pair % 3 != 1 : pair % 3 == 2;
         });
         const Vec<Kpr16s> sum = sumPairs(here, first) + sumPairs(behind, second);
@@ -48,7 +48,7 @@ struct Mean {
     }
     template <typename Part>
     KPR_INLINE static void join(Part part, Kpr8u* dst, const Kpr8u* src) {
-        const Triple<Kpr8u> here = loadPixels<0>(src, part), behind = loadPixels<2>(src, part);
+        const Triple<Kpr8u> here = grouped(loadPixels(src, part)), behind = furtherOn<2>(here);
         store(dst,
               pixelBytes<true>({thirds<0>(here.first, behind.first), thirds<1>(here.second, behind.second),
                                 thirds<2>(here.third, behind.third)}),

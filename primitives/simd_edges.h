@@ -111,24 +111,21 @@ KPR_INLINE Vec<Kpr16u> narrowed(Vec<Kpr32s> first, Vec<Kpr32s> second) {
 
 // ---- pixels of three channels
 
-// The elements of kLanes<T> pixels from `skipped` elements on, in the order of memory.
+// The elements of kLanes<T> pixels in the order of memory.
 template <typename T>
 struct Triple {
     Vec<T> first, second, third;
 };
-template <int skipped = 0, typename T>
-KPR_INLINE Triple<T> loadPixels(const T* src, All) {
-    constexpr int lanes = kLanes<T>;
-    const T* const from = src + skipped;
-    return {load(from, All{}), load(from + lanes, All{}), load(from + 2 * lanes, First{lanes - skipped})};
+template <typename T>
+KPR_INLINE Triple<T> loadPixels(const T* src, All part) {
+    return {load(src, part), load(src + kLanes<T>, part), load(src + 2 * kLanes<T>, part)};
 }
-template <int skipped = 0, typename T>
+template <typename T>
 KPR_INLINE Triple<T> loadPixels(const T* src, First part) {
-    constexpr int lanes = kLanes<T>;
-    const Kpr64s elements = 3 * _mm_popcnt_u64(part.bits) - skipped;
+    const Kpr64s elements = 3 * _mm_popcnt_u64(part.bits);
     const auto after = [=](Kpr64s count) { return First{elements > count ? elements - count : 0}; };
-    const T* const from = src + skipped;
-    return {load(from, after(0)), load(from + lanes, after(lanes)), load(from + 2 * lanes, after(2 * lanes))};
+    return {load(src, after(0)), load(src + kLanes<T>, after(kLanes<T>)),
+            load(src + 2 * kLanes<T>, after(2 * kLanes<T>))};
 }
 
 // One channel of the pixels.
@@ -151,33 +148,45 @@ KPR_INLINE Vec<T> channelOf(const Triple<T>& pixels) {
                                                                static_cast<__mmask16>(inThird), at, c)));
 }
 
-// Of 192 bytes, those at which pixels begin, or those of the pairs in which pixels begin: the first of the pair.
+// The bytes of 64 pixels, 16 pixels to a lane of 16 bytes: their first 16 bytes, their second and their third.
+KPR_INLINE Triple<Kpr8u> grouped(const Triple<Kpr8u>& v) {
+    // Blocks of 16 bytes by their number modulo 3, each of a vector of its own, then in their order.
+    const auto blocks = [](Vec<Kpr8u> a, Vec<Kpr8u> b, Vec<Kpr8u> c, unsigned fromB, unsigned fromC) {
+        const __m512i two = _mm512_mask_blend_epi32(static_cast<__mmask16>(fromB), bits(a), bits(b));
+        return _mm512_mask_blend_epi32(static_cast<__mmask16>(fromC), two, bits(c));
+    };
+    const __m512i first = blocks(v.first, v.second, v.third, 0x0f00, 0x00f0);   // blocks 0, 9, 6, 3
+    const __m512i second = blocks(v.first, v.second, v.third, 0xf00f, 0x0f00);  // 4, 1, 10, 7
+    const __m512i third = blocks(v.first, v.second, v.third, 0x00f0, 0xf00f);   // 8, 5, 2, 11
+    return {vec<Kpr8u>(_mm512_shuffle_i32x4(first, first, 0x6c)),
+            vec<Kpr8u>(_mm512_shuffle_i32x4(second, second, 0xb1)),
+            vec<Kpr8u>(_mm512_shuffle_i32x4(third, third, 0xc6))};
+}
+
+// The bytes so many places further on; what follows the last is open.
+template <int places>
+KPR_INLINE Triple<Kpr8u> furtherOn(const Triple<Kpr8u>& v) {
+    const auto join = [](Vec<Kpr8u> lower, Vec<Kpr8u> upper) {
+        return vec<Kpr8u>(_mm512_alignr_epi8(bits(upper), bits(lower), places));
+    };
+    return {join(v.first, v.second), join(v.second, v.third), join(v.third, v.third)};
+}
+
+// Of bytes that are grouped so, those at which pixels begin, or the first of the pairs in which pixels begin.
 template <bool pairs>
 KPR_INLINE Vec<Kpr8u> pixelBytes(const Triple<Kpr8u>& v) {
-    // In 16 pixels the first 16 bytes have 6 beginnings, the second and the third 5. Blocks of 16 bytes are gathered by
-    // which of the three they are, each lane for one of the four groups of pixels.
-    const auto blocks = [](Vec<Kpr8u> a, Vec<Kpr8u> b, Vec<Kpr8u> c, unsigned fromB, unsigned fromC) {
-        return _mm512_mask_blend_epi32(static_cast<__mmask16>(fromC),
-                                       _mm512_mask_blend_epi32(static_cast<__mmask16>(fromB), bits(a), bits(b)),
-                                       bits(c));
+    // 6 pixels begin in the first 16 bytes, 5 each in the second and the third.
+    const auto taken = [](Vec<Kpr8u> bytes, auto which) {
+        return permuteIn16(bytes, laneConstant<Kpr8u>([](int i) {
+                               constexpr int block = decltype(which)::value;
+                               const int begin = block == 0 ? 0 : 5 * block + 1, count = block == 0 ? 6 : 5;
+                               const int pixel = i % 16 - begin, byte = 3 * pixel + 2 * block % 3;
+                               return pixel < 0 || pixel >= count ? 0x80 : pairs ? byte & ~1 : byte;
+                           }));
     };
-    const __m512i zeroth = blocks(v.first, v.second, v.third, 0x0f00, 0x00f0);  // blocks 0, 9, 6, 3
-    const __m512i first = blocks(v.first, v.second, v.third, 0xf00f, 0x0f00);   // 4, 1, 10, 7
-    const __m512i second = blocks(v.first, v.second, v.third, 0x00f0, 0xf00f);  // 8, 5, 2, 11
-    const auto taken = [](auto which) {
-        return laneConstant<Kpr8u>([](int i) {
-            constexpr int block = decltype(which)::value;
-            const int begin = block == 0 ? 0 : 5 * block + 1, count = block == 0 ? 6 : 5, pixel = i % 16 - begin;
-            const int byte = 3 * pixel + 2 * block % 3;
-            return pixel < 0 || pixel >= count ? 0x80 : pairs ? byte & ~1 : byte;
-        });
-    };
-    const auto put = [](__m512i block, Vec<Kpr8u> from) { return _mm512_shuffle_epi8(block, bits(from)); };
-    const __m512i a = put(zeroth, taken(std::integral_constant<int, 0>{}));
-    const __m512i b = put(first, taken(std::integral_constant<int, 1>{}));
-    const __m512i c = put(second, taken(std::integral_constant<int, 2>{}));
-    return combine<0xfe>(vec<Kpr8u>(_mm512_shuffle_i32x4(a, a, 0x6c)), vec<Kpr8u>(_mm512_shuffle_i32x4(b, b, 0xb1)),
-                         vec<Kpr8u>(_mm512_shuffle_i32x4(c, c, 0xc6)));
+    return combine<0xfe>(taken(v.first, std::integral_constant<int, 0>{}),
+                         taken(v.second, std::integral_constant<int, 1>{}),
+                         taken(v.third, std::integral_constant<int, 2>{}));
 }
 
 // Lane i is the sum of the squares of the bytes of pixel i; the pixels are the first 48 bytes.

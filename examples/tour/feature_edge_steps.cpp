@@ -1,5 +1,5 @@
-// Edges and corner measures of the photograph, the edges of a colour photograph, and what thresholds change: docs/edges.png
-// is made here. First derivatives, which are not exported, come from the library's objects.
+// Edges and corner measures of the photograph, the edges of a colour photograph, and what thresholds change:
+// docs/edges.png is made here. First derivatives, which are not exported, come from the library's objects.
 #include "examples/tour/tour.h"
 #include "filter/sobel.h"
 

@@ -34,13 +34,13 @@ extern "C" {
  * lowThreshold    0 or more and not above highThreshold
  * highThreshold   may equal the low one; nothing is above a NaN or an infinity, nor above squares out of range
  * norm            kprNormL1 or kprNormL2; without it L1
- * buffer          working memory of the size that the sizing call tells, at any address; no more of it is used, whatever
- *                 the image
+ * buffer          working memory of the size that the sizing call tells, at any address; no more of it is used,
+ *                 whatever the image
  *
  * A NaN magnitude counts as 0. Returns kprStatusOk or the first failure: kprStatusNullPtr; in the _L forms
  * kprStatusSizeOverflow for a side or a step above 0x7fffffff; kprStatusBadSize; kprStatusBadStep;
- * kprStatusStepNotMultiple; kprStatusBadArg for the thresholds (16s_L checks them squared for L2, so that a negative low
- * one may pass); kprStatusBadNorm. */
+ * kprStatusStepNotMultiple; kprStatusBadArg for the thresholds (16s_L checks them squared for L2, so that a negative
+ * low one may pass); kprStatusBadNorm. */
 KprStatus kpriCanny_16s8u_C1R(const Kpr16s* dx, int dxStep, const Kpr16s* dy, int dyStep, Kpr8u* dst, int dstStep,
                               KprSize roiSize, Kpr32f lowThreshold, Kpr32f highThreshold, Kpr8u* buffer);
 KprStatus kpriCanny_32f8u_C1R(const Kpr32f* dx, int dxStep, const Kpr32f* dy, int dyStep, Kpr8u* dst, int dstStep,
@@ -52,8 +52,8 @@ KprStatus kpriCanny_32f8u_C1R_L(const Kpr32f* dx, Kpr64s dxStep, const Kpr32f* d
                                 Kpr64s dstStep, KprSizeL roiSize, Kpr32f lowThreshold, Kpr32f highThreshold, int norm,
                                 Kpr8u* buffer);
 
-/* The bytes of their buffer: f * (width + 2) * (height + 2) + 16 * width + 160, f being 5, or 9 where a side is 65533 or
- * more. kprStatusNullPtr; in the _L form kprStatusSizeOverflow for a side above 0x7fffffff; kprStatusBadSize;
+/* The bytes of their buffer: f * (width + 2) * (height + 2) + 16 * width + 160, f being 5, or 9 where a side is 65533
+ * or more. kprStatusNullPtr; in the _L form kprStatusSizeOverflow for a side above 0x7fffffff; kprStatusBadSize;
  * kprStatusSizeOverflow where the result does not hold the size. */
 KprStatus kpriCannyGetSize(KprSize roiSize, int* result);
 KprStatus kpriCannyGetSize_L(Kpr64s width, Kpr64s height, Kpr64s* result);
