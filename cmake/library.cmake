@@ -17,12 +17,16 @@ add_library(kprcv_objects OBJECT
     distance/marching.cpp
     feature/canny.cpp
     feature/canny_border.cpp
+    feature/colour_gradient.cpp
     feature/edge_planes.cpp
+    feature/eigenvalues.cpp
     feature/fast.cpp
+    feature/harris.cpp
     feature/hough.cpp
     feature/hough_segments.cpp
     feature/line_suppression.cpp
     feature/peaks.cpp
+    feature/structure_rows.cpp
     filter/column_pipeline.cpp
     filter/fixed.cpp
     filter/gaussian_border.cpp

@@ -42,4 +42,10 @@ using SobelGradient5 = Gradient<T, filter::Dx5, filter::Sobel5>;
 template <typename T>
 using ScharrGradient = Gradient<T, filter::Dx3, filter::Scharr3>;
 
+// dx left minus right.
+template <typename T>
+using LeftwardSobelGradient3 = Gradient<T, filter::Dx3, filter::Sobel3, filter::DxNeg3>;
+template <typename T>
+using LeftwardSobelGradient5 = Gradient<T, filter::Dx5, filter::Sobel5, filter::DxNeg5>;
+
 }  // namespace n0::feature

@@ -12,6 +12,7 @@ KPR_INLINE Mask<T> less(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Kpr16u>) return _mm512_cmplt_epu16_mask(bits(a), bits(b));
     if constexpr (std::is_same_v<T, Kpr16s>) return _mm512_cmplt_epi16_mask(bits(a), bits(b));
     if constexpr (std::is_same_v<T, Kpr32s>) return _mm512_cmplt_epi32_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, unsigned>) return _mm512_cmplt_epu32_mask(bits(a), bits(b));
     if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_LT_OQ);
 }
 

@@ -105,6 +105,7 @@ int main(int argc, char** argv) {
         tour::tourGaussian(tour);
         tour::tourFilters(tour);
         tour::tourMorphology(tour);
+        tour::tourEdges(tour);
         tour::tourCoins(tour);
         tour::tourCorners(tour);
         tour::tourLines(tour);

@@ -64,6 +64,7 @@ void tourBorderWords(Tour& tour);
 void tourGaussian(Tour& tour);
 void tourFilters(Tour& tour);
 void tourMorphology(Tour& tour);
+void tourEdges(Tour& tour);
 void tourCoins(Tour& tour);
 void tourCorners(Tour& tour);
 void tourLines(Tour& tour);

@@ -6,5 +6,6 @@
 #include <kprcv/feature_edges.h>
 #include <kprcv/feature_lines.h>
 #include <kprcv/feature_peaks.h>
+#include <kprcv/feature_measures.h>
 
 #endif

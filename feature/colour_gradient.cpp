@@ -1,0 +1,157 @@
+// The gradients a, b, c of three channels, joined into one.
+//
+//     norm    8u, 16u                                                     32f
+//     Inf     the largest                                                 the largest magnitude, a number before a NaN
+//     L1      (a + b + c) / 3, exact, then to nearest                     ((|a| + |b|) + |c|) / 3
+//     L2      the root of (a * a + b * b + c * c) / 3, exact, to nearest  sqrt(fma(c, c, fma(b, b, a * a)) / 3)
+//
+// No third of an integer lies half way between integers, and no root of a third.
+#include "frame/checks.h"
+#include "primitives/rows.h"
+#include "primitives/simd_edges.h"
+
+namespace n0::feature {
+namespace {
+
+// A norm of kLanes<T> pixels. Channels are alike: bytes of a pixel are joined where they lie, next to one another, and
+// the results picked afterwards.
+struct Largest {
+    template <typename Part>
+    KPR_INLINE static void join(Part part, Kpr8u* dst, const Kpr8u* src) {
+        const Triple<Kpr8u> a = grouped(loadPixels(src, part)), b = furtherOn<1>(a), c = furtherOn<2>(a);
+        store(dst,
+              pixelBytes<false>({max(max(a.first, b.first), c.first), max(max(a.second, b.second), c.second),
+                                 max(max(a.third, b.third), c.third)}),
+              part);
+    }
+    static Vec<Kpr16u> of(Vec<Kpr16u> a, Vec<Kpr16u> b, Vec<Kpr16u> c) { return max(max(a, b), c); }
+    static Vec<Kpr32f> of(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
+        return larger(larger(abs(a), abs(b)), abs(c));
+    }
+};
+
+struct Mean {
+    // The sum of a pixel that begins in the pair of bytes at x: two of the pair and one behind it, or one and two. The
+    // weights say which; the pairs begin 16 * block bytes after a pixel did.
+    template <int block>
+    KPR_INLINE static Vec<Kpr8u> thirds(Vec<Kpr8u> here, Vec<Kpr8u> behind) {
+        const auto first = laneConstant<Kpr8s>([](int i) {
+            const int pair = 16 * block + i % 16 / 2 * 2;
+            return i % 2 == 0 ? pair % 3 == 0 : pair % 3 != 1;
+        });
+        const auto second = laneConstant<Kpr8s>([](int i) {
+            const int pair = 16 * block + i % 16 / 2 * 2;
+            return i % 2 == 0 ? pair % 3 != 1 : pair % 3 == 2;
+        });
+        const Vec<Kpr16s> sum = sumPairs(here, first) + sumPairs(behind, second);
+        return as<Kpr8u>(mulRounded(sum, broadcast<Kpr16s>(10923)));  // nearly 2^15 / 3
+    }
+    template <typename Part>
+    KPR_INLINE static void join(Part part, Kpr8u* dst, const Kpr8u* src) {
+        const Triple<Kpr8u> here = grouped(loadPixels(src, part)), behind = furtherOn<2>(here);
+        store(dst,
+              pixelBytes<true>({thirds<0>(here.first, behind.first), thirds<1>(here.second, behind.second),
+                                thirds<2>(here.third, behind.third)}),
+              part);
+    }
+    static Vec<Kpr32s> ofIntegers(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
+        return toInteger((a + b + c) * broadcast(1.0F / 3.0F));  // sums of up to 18 bits
+    }
+    static Vec<Kpr32f> of(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
+        return ((abs(a) + abs(b)) + abs(c)) / broadcast(3.0F);
+    }
+};
+
+struct RootMeanSquare {
+    // With n the sum of squares and y near to 1 / sqrt(3 * n), v = n * y is near to the root of n / 3. One correction
+    // brings it within 3e-5; integers and a half are farther away than 1e-4.
+    KPR_INLINE static Vec<Kpr32s> root(Vec<Kpr32s> squares) {
+        const Vec<Kpr32f> n = toFloat(squares), three = broadcast(3.0F);
+        const Vec<Kpr32f> y = nearInverseRoot(fma(n, three, broadcast(1e-6F))), v = n * y;
+        return toInteger(fma(minusProduct(v * three, v, n), y * broadcast(0.5F), v));
+    }
+    template <typename Part>
+    KPR_INLINE static void join(Part part, Kpr8u* dst, const Kpr8u* src) {
+        storeAs(dst, root(squaresOfPixels(src, part)), part);
+    }
+    KPR_INLINE static Vec<Kpr32s> squaresOfPixels(const Kpr8u* src, All) {
+        return n0::squaresOfPixels(load(src, First{48}));
+    }
+    KPR_INLINE static Vec<Kpr32s> squaresOfPixels(const Kpr8u* src, First part) {
+        return n0::squaresOfPixels(load(src, First{3 * std::popcount(part.bits)}));
+    }
+    static Vec<Kpr32s> ofIntegers(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) { return rootMeanSquares(a, b, c); }
+    static Vec<Kpr32f> of(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
+        return sqrt(fma(c, c, fma(b, b, a * a)) / broadcast(3.0F));
+    }
+};
+
+template <typename Norm>
+KPR_INLINE Vec<Kpr16u> joined(Vec<Kpr16u> a, Vec<Kpr16u> b, Vec<Kpr16u> c) {
+    if constexpr (std::is_same_v<Norm, Largest>) {
+        return Norm::of(a, b, c);
+    } else {
+        const auto part = [&](auto which) {
+            constexpr int at = decltype(which)::value;
+            return Norm::ofIntegers(toFloat(widened<at>(a)), toFloat(widened<at>(b)), toFloat(widened<at>(c)));
+        };
+        return narrowed(part(Turn<0>{}), part(Turn<1>{}));
+    }
+}
+template <typename Norm>
+KPR_INLINE Vec<Kpr32f> joined(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
+    return Norm::of(a, b, c);
+}
+
+template <typename Norm, typename T>
+KprStatus joinRows(Rows<const T> src, Rows<T> dst, KprSize roi) {
+    constexpr int lanes = sizeof(T) == 1 && std::is_same_v<Norm, RootMeanSquare> ? 16 : kLanes<T>;
+    for (Kpr64s y = 0; y < roi.height; ++y) {
+        const T* const from = src[y];
+        T* const to = dst[y];
+        walkColumns<lanes>(roi.width, [=](auto part, Kpr64s x) {
+            if constexpr (sizeof(T) == 1) {
+                Norm::join(part, to + x, from + 3 * x);
+            } else {
+                const Triple<T> pixels = loadPixels(from + 3 * x, part);
+                store(to + x, joined<Norm>(channelOf<0>(pixels), channelOf<1>(pixels), channelOf<2>(pixels)), part);
+            }
+        });
+    }
+    return kprStatusOk;
+}
+
+template <typename T>
+KprStatus join(const T* src, int srcStep, T* dst, int dstStep, KprSize roi, int norm) {
+    const KprStatus status =
+        firstFailure(notNull(src, dst), roiHolds(roi), rowsFit<T>(3 * Kpr64s{roi.width}, srcStep),
+                     rowsFit<T>(roi.width, dstStep), stepsAlign<T>(srcStep, dstStep),
+                     failIf(norm != kprNormInf && norm != kprNormL1 && norm != kprNormL2, kprStatusBadNorm));
+    if (status != kprStatusOk) return status;
+    const Rows<const T> from = {src, srcStep};
+    const Rows<T> to = {dst, dstStep};
+    return norm == kprNormInf  ? joinRows<Largest>(from, to, roi)
+           : norm == kprNormL1 ? joinRows<Mean>(from, to, roi)
+                               : joinRows<RootMeanSquare>(from, to, roi);
+}
+
+}  // namespace
+}  // namespace n0::feature
+
+using namespace n0;
+using namespace n0::feature;
+
+KprStatus kpriGradientColorToGray_8u_C3C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize,
+                                           int norm) {
+    return join(src, srcStep, dst, dstStep, roiSize, norm);
+}
+
+KprStatus kpriGradientColorToGray_16u_C3C1R(const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep, KprSize roiSize,
+                                            int norm) {
+    return join(src, srcStep, dst, dstStep, roiSize, norm);
+}
+
+KprStatus kpriGradientColorToGray_32f_C3C1R(const Kpr32f* src, int srcStep, Kpr32f* dst, int dstStep, KprSize roiSize,
+                                            int norm) {
+    return join(src, srcStep, dst, dstStep, roiSize, norm);
+}
