@@ -106,6 +106,7 @@ int main(int argc, char** argv) {
         tour::tourFilters(tour);
         tour::tourMorphology(tour);
         tour::tourCoins(tour);
+        tour::tourDetection(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';
