@@ -254,7 +254,7 @@ class Stage {
 // ---- plain forms
 
 void putOffsets(const KprHaarClassifier& state, Kpr64s rowElements) {
-    const HaarFeature* const features = reinterpret_cast<const HaarFeature*>(state.classifiers + state.classifierCount);
+    const auto* const features = reinterpret_cast<const HaarFeature*>(state.classifiers + state.classifierCount);
     for (int i = 0; i < state.featureTotal; ++i) {
         for (int k = 0; k < 4; ++k) {
             state.scratch[i][k] = static_cast<Kpr32s>(features[i].corner[k].y * rowElements + features[i].corner[k].x);

@@ -51,7 +51,7 @@ KPR_INLINE void putDoubles(Part part, const Kpr64f* above, Kpr64f* dst, Vec<Kpr6
 
 // Squares of a row of up to kNarrow pixels: their sum fits in 32 bits.
 inline constexpr int kNarrow = 0x10000;
-static_assert(Bits64{255 * 255} * kNarrow <= 0xffffffff);
+static_assert(Bits64{255} * 255 * kNarrow <= 0xffffffff);
 
 template <>
 struct Row<Kpr64f> {

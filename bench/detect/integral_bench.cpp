@@ -84,8 +84,11 @@ const bool registered = [] {
     bench::add("SqrIntegral_8u32s64f_C1R/and_tilted", uprightAndTilted);
     bench::add("RectStdDev_32f_C1R", deviations<Kpr32f, Kpr64f, Kpr32f>(kpriRectStdDev_32f_C1R));
     bench::add("RectStdDev_32s32f_C1R", deviations<Kpr32s, Kpr64f, Kpr32f>(kpriRectStdDev_32s32f_C1R));
-    bench::add("RectStdDev_32s_C1RSfs", deviations<Kpr32s, Kpr32s, Kpr32s>(
-                                            [](auto... arguments) { kpriRectStdDev_32s_C1RSfs(arguments..., 0); }));
+    bench::add("RectStdDev_32s_C1RSfs",
+               deviations<Kpr32s, Kpr32s, Kpr32s>([](const Kpr32s* src, int srcStep, const Kpr32s* sqr, int sqrStep,
+                                                     Kpr32s* dst, int dstStep, KprSize roi, KprRect rect) {
+                   return kpriRectStdDev_32s_C1RSfs(src, srcStep, sqr, sqrStep, dst, dstStep, roi, rect, 0);
+               }));
     return true;
 }();
 
