@@ -36,7 +36,6 @@ KPR_INLINE Vec<Kpr32f> floatVote(const HaarClassifier& classifier, Vec<Kpr32f> s
 struct Chained {
     using Value = Kpr32f;
     using Norm = Vec<Kpr32f>;
-    static Norm norm(Vec<Kpr32f> norm) { return norm; }
 
     template <typename Rect, typename Weight>
     KPR_INLINE static Vec<Kpr32f> vote(const HaarClassifier& classifier, Norm norm, Rect rect, Weight weight) {
@@ -52,7 +51,6 @@ struct Chained {
 struct Spread {
     using Value = Kpr32f;
     using Norm = Vec<Kpr32f>;
-    static Norm norm(Vec<Kpr32f> norm) { return norm; }
 
     template <typename Rect, typename Weight>
     KPR_INLINE static Vec<Kpr32f> vote(const HaarClassifier& classifier, Norm norm, Rect rect, Weight weight) {
