@@ -112,8 +112,8 @@ KPR_INLINE void sum64(const Kpr8u* src, Kpr64s x, Row<Kpr32s>& sum) {
 // ---- rows
 
 // With squares, the first columns are a part of their own, so that whole vectors fill whole lines of both tables where
-// these begin alike: a tenth faster. A single table loses more by the shorter rest than it gains, and sums of floats keep
-// their blocks.
+// these begin alike: a tenth faster. A single table loses more by the shorter rest than it gains, and sums of floats
+// keep their blocks.
 template <typename Sum, typename... Squares>
 KPR_INLINE void walkSums(const Kpr8u* src, Kpr64s width, Sum sum, Squares... square) {
     const auto step16 = [&](auto part, Kpr64s x) __attribute__((always_inline)) {

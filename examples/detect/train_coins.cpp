@@ -129,8 +129,8 @@ struct Rectangle {
 };
 using Feature = std::vector<Rectangle>;
 
-// Halves, thirds, a centre in its surroundings, and a checkerboard of four: a whole that counts -1, and parts that count
-// as much as makes a plain area 0.
+// Halves, thirds, a centre in its surroundings, and a checkerboard of four: a whole that counts -1, and parts that
+// count as much as makes a plain area 0.
 Feature randomFeature(Random& random) {
     static const int columns[] = {2, 1, 3, 1, 3, 4, 2}, rows[] = {1, 2, 1, 3, 3, 4, 2};
     const unsigned kind = random.below(7);
@@ -172,8 +172,8 @@ struct Sample {
                                   {0, 0, kSide, kSide});
     }
 
-    // In units of the deviation, as thresholds are. In a plain window nothing is below any threshold, as the library has
-    // it, unless it is below 0.
+    // In units of the deviation, as thresholds are. In a plain window nothing is below any threshold, as the library
+    // has it, unless it is below 0.
     float value(const Feature& feature) const {
         float total = 0;
         for (const auto& [r, weight] : feature) {
