@@ -1,8 +1,9 @@
 // A stage applied to the windows that a mask has left.
 //
-// Windows are taken sixteen at a time, a lane each. Where windows lie close together, the sixteen columns from the next
-// one on are evaluated, whose elements come in one load; windows that lie alone are put on a list, across rows, and
-// sixteen of them are evaluated by gathers. A gather costs about four of the loads.
+// Windows are taken sixteen at a time, a lane each. Where they lie close together, the sixteen columns from the next
+// one on are read, or the thirty-two, of which the windows are then pressed together: every second column is the usual
+// step of a detector. Windows that lie alone are put on a list, across rows, and sixteen of them are read by gathers. A
+// gather costs about four of the loads.
 //
 // No element is read that no window of the mask needs, but for those between two such elements of a row.
 #include "detect/haar_stage.h"
@@ -21,61 +22,83 @@ struct Table {
     [[nodiscard]] Kpr64s elements() const { return rows.step / Kpr64s{sizeof(T)}; }
 };
 
-// Reads sixteen neighbouring windows, as many of them as the part has.
+// Rectangles of sixteen neighbouring windows, as many of them as the part has. `at` is where the first window lies in
+// the upright and in the tilted table.
 template <typename T, typename Part>
 struct Neighbours {
-    const T* uprightAt;
-    const T* tiltedAt;
+    const T* at[2];
     Part part;
 
-    KPR_INLINE Vec<T> upright(Kpr64s offset) const { return load(uprightAt + offset, part); }
-    KPR_INLINE Vec<T> tilted(Kpr64s offset) const { return load(tiltedAt + offset, part); }
+    template <typename Order>
+    KPR_INLINE Vec<T> rect(bool tilted, Kpr64s a, Kpr64s b, Kpr64s c, Kpr64s d) const {
+        const T* const first = at[tilted];
+        return Order::rect(load(first + a, part), load(first + b, part), load(first + c, part), load(first + d, part));
+    }
 };
 
-// Reads sixteen windows anywhere.
+// Of sixteen among thirty-two neighbours, of which the part has some of the second half.
+template <typename T, typename Part>
+struct Pressed {
+    const T* at[2];
+    Part part;
+    Vec<Kpr32s> places;
+
+    template <typename Order>
+    KPR_INLINE Vec<T> rect(bool tilted, Kpr64s a, Kpr64s b, Kpr64s c, Kpr64s d) const {
+        const Neighbours<T, All> lower{{at[0], at[1]}, {}};
+        const Neighbours<T, Part> upper{{at[0] + 16, at[1] + 16}, part};
+        return permute(lower.template rect<Order>(tilted, a, b, c, d), upper.template rect<Order>(tilted, a, b, c, d),
+                       places);
+    }
+};
+
+// Of sixteen windows anywhere.
 template <typename T>
 struct Scattered {
-    const T* uprightAt;
-    const T* tiltedAt;
-    Vec<Kpr32s> uprightIndex, tiltedIndex;
+    const T* at[2];
+    Vec<Kpr32s> index[2];
 
-    KPR_INLINE Vec<T> upright(Kpr64s offset) const { return gather(uprightAt + offset, uprightIndex); }
-    KPR_INLINE Vec<T> tilted(Kpr64s offset) const { return gather(tiltedAt + offset, tiltedIndex); }
+    template <typename Order>
+    KPR_INLINE Vec<T> rect(bool tilted, Kpr64s a, Kpr64s b, Kpr64s c, Kpr64s d) const {
+        const T* const first = at[tilted];
+        const auto read = [&](Kpr64s offset) __attribute__((always_inline)) {
+            return gather(first + offset, index[tilted]);
+        };
+        return Order::rect(read(a), read(b), read(c), read(d));
+    }
 };
 
 // Windows that wait for others, until there are sixteen.
 template <typename T, typename N>
 struct Waiting {
-    const T* upright;  // where the first one lies
-    const T* tilted;
+    const T* first[2];  // where the first one lies in both tables
     int count = 0;
-    Kpr32s uprightIndex[16];  // elements from the first one on
-    Kpr32s tiltedIndex[16];
+    Kpr32s index[2][16];  // elements from there on
     N norm[16];
     Kpr8u* mask[16];
 
-    void add(const T* uprightAt, const T* tiltedAt, N normValue, Kpr8u* maskAt) {
+    void add(const T* src, const T* tilt, N normValue, Kpr8u* maskAt) {
         if (count == 0) {
-            upright = uprightAt;
-            tilted = tiltedAt;
+            first[0] = src;
+            first[1] = tilt;
         }
-        uprightIndex[count] = static_cast<Kpr32s>(uprightAt - upright);
-        tiltedIndex[count] = static_cast<Kpr32s>(tiltedAt - tilted);
+        index[0][count] = static_cast<Kpr32s>(src - first[0]);
+        index[1][count] = static_cast<Kpr32s>(tilt - first[1]);
         norm[count] = normValue;
         mask[count] = maskAt;
         ++count;
     }
 
-    // The window can be told by 32 bits.
-    [[nodiscard]] bool reaches(const T* uprightAt, const T* tiltedAt) const {
-        constexpr Kpr64s limit = 1 << 30;
-        return uprightAt - upright < limit && tiltedAt - tilted < limit;
+    // The window can be told by 32 bits, like the others.
+    [[nodiscard]] bool reaches(const T* src, const T* tilt) const {
+        const auto near = [](Kpr64s distance) { return distance < 1 << 30 && distance > -(1 << 30); };
+        return near(src - first[0]) && near(tilt - first[1]);
     }
 
     // Lanes without a window are the first one once more.
     void fillUp() {
         for (int i = count; i < 16; ++i) {
-            uprightIndex[i] = tiltedIndex[i] = 0;
+            index[0][i] = index[1][i] = 0;
             norm[i] = norm[0];
         }
     }
@@ -94,13 +117,19 @@ class Stage {
     // The number of windows that are left.
     Kpr32s apply(Table<T> src, Table<T> tilt, Rows<const N> norm, Rows<Kpr8u> mask, KprSize roi) {
         const Kpr64s body = lastColumnsInPairs ? roi.width & ~3 : roi.width;
-        for (int y = 0; y < roi.height; ++y) {
-            const Row row{src.rows[y], tilt.rows[y], norm[y], mask[y]};
-            walkRow(row, body);
-            for (Kpr64s x = body; x < roi.width; ++x) {
-                if (row.mask[x] != 0) wait<InPairs>(last_, row, x);
+        // Where rows of the mask share bytes, each row's windows are told by what the row before it has left.
+        const bool shared = mask.step < roi.width;
+        const Kpr64s strip = shared ? roi.width : kStrip;
+        for (Kpr64s x = 0; x < roi.width; x += strip) {
+            const Kpr64s end = std::min<Kpr64s>(x + strip, roi.width);
+            for (int y = 0; y < roi.height; ++y) {
+                const Row row{src.rows[y], tilt.rows[y], norm[y], mask[y]};
+                walkRow(row, x, std::min(end, body));
+                for (Kpr64s last = std::max(x, body); last < end; ++last) {
+                    if (row.mask[last] != 0) wait<InPairs>(last_, row, last);
+                }
+                if (shared) evaluateWaiting();
             }
-            if (mask.step < roi.width) evaluateWaiting();  // the next row's windows are told by some of this row's
         }
         evaluateWaiting();
         return left_;
@@ -114,40 +143,59 @@ class Stage {
         Kpr8u* mask;
     };
 
-    void walkRow(const Row& row, Kpr64s width) {
-        Kpr64s end = 0;  // behind the row's last window
-        for (Kpr64s x = 0; x < width; x += 64) {
-            const First part(width - x < 64 ? width - x : 64);
+    // The columns from `x` to before `stop`.
+    void walkRow(const Row& row, Kpr64s x, Kpr64s stop) {
+        Kpr64s end = 0;  // behind the last window, once it is asked for
+        for (; x < stop; x += 64) {
+            const First part(std::min<Kpr64s>(stop - x, 64));
             for (Bits64 windows = loadMask<Kpr8u>(row.mask + x, part); windows != 0;) {
                 const int first = std::countr_zero(windows);
-                const Bits64 next = windows >> first & 0xffff;
-                if (std::popcount(next) < kClose) {
+                const Bits64 next16 = windows >> first & 0xffff, next32 = windows >> first & 0xffffffff;
+                const int in16 = std::popcount(next16), in32 = std::popcount(next32);
+                if (in16 < kClose && in32 < 2 * kClose) {
                     wait<InOrder>(alone_, row, x + first);
                     windows &= windows - 1;
                     continue;
                 }
-                if (end == 0) end = endOf(row.mask, width);
-                evaluateNext(row, x + first, end, next);
-                windows &= ~(Bits64{0xffff} << first);
+                if (end == 0) end = endOf(row.mask, stop);
+                if (in32 <= 16 && in32 - in16 >= kClose / 2) {
+                    evaluatePressed(row, x + first, end, next32);
+                    windows &= ~(Bits64{0xffffffff} << first);
+                } else {
+                    evaluateNext(row, x + first, end, next16);
+                    windows &= ~(Bits64{0xffff} << first);
+                }
             }
         }
     }
 
-    static Kpr64s endOf(const Kpr8u* mask, Kpr64s width) {
-        while (mask[width - 1] == 0) --width;
-        return width;
+    static Kpr64s endOf(const Kpr8u* mask, Kpr64s stop) {
+        while (mask[stop - 1] == 0) --stop;
+        return stop;
     }
 
-    // The windows that bits of `which` tell, from column x on. What lies before the row's last window may be read.
+    // The windows that bits of `which` tell, from column x on. What lies before the last window may be read.
     void evaluateNext(const Row& row, Kpr64s x, Kpr64s end, Bits64 which) {
-        const Bits64 kept = x + 16 <= end ? evaluateAt(row, x, All{}) : evaluateAt(row, x, First{end - x});
-        store(row.mask + x, zero<Kpr8u>(), Lanes{which & ~kept});
-        left_ += std::popcount(which & kept);
+        const auto at = [&](auto part) __attribute__((always_inline)) {
+            return kept<InOrder>(load(row.norm + x, part),
+                                 Neighbours<T, decltype(part)>{{row.src + x, row.tilt + x}, part});
+        };
+        leave(row.mask + x, which, x + 16 <= end ? at(All{}) : at(First{end - x}));
     }
 
-    template <typename Part>
-    Bits64 evaluateAt(const Row& row, Kpr64s x, Part part) const {
-        return kept<InOrder>(load(row.norm + x, part), Neighbours<T, Part>{row.src + x, row.tilt + x, part});
+    // Up to sixteen among thirty-two columns, some of them in the second half.
+    void evaluatePressed(const Row& row, Kpr64s x, Kpr64s end, Bits64 which) {
+        const auto places = placesOf(which);
+        const auto at = [&](auto part) __attribute__((always_inline)) {
+            return kept<InOrder>(permute(load(row.norm + x, All{}), load(row.norm + x + 16, part), places),
+                                 Pressed<T, decltype(part)>{{row.src + x, row.tilt + x}, part, places});
+        };
+        leave(row.mask + x, which, scatterBits(x + 32 <= end ? at(All{}) : at(First{end - x - 16}), which));
+    }
+
+    void leave(Kpr8u* mask, Bits64 which, Bits64 kept) {
+        store(mask, zero<Kpr8u>(), Lanes{which & ~kept});
+        left_ += std::popcount(which & kept);
     }
 
     template <typename Order>
@@ -167,7 +215,7 @@ class Stage {
         list.fillUp();
         const Bits64 keep = kept<Order>(
             load(list.norm, All{}),
-            Scattered<T>{list.upright, list.tilted, load(list.uprightIndex, All{}), load(list.tiltedIndex, All{})});
+            Scattered<T>{{list.first[0], list.first[1]}, {load(list.index[0], All{}), load(list.index[1], All{})}});
         for (int i = 0; i < list.count; ++i) {
             if ((keep >> i & 1) == 0) {
                 *list.mask[i] = 0;
@@ -190,6 +238,8 @@ class Stage {
         return static_cast<Mask<Value>>(~less(sum, broadcast(threshold_)));
     }
 
+    // Columns whose part of the table, as high as a window, stays in the first cache while the windows walk down.
+    static constexpr Kpr64s kStrip = 256;
     static constexpr int kClose = 4;  // windows among sixteen columns that are worth the sixteen
 
     const KprHaarClassifier& state_;
@@ -204,7 +254,7 @@ class Stage {
 // ---- plain forms
 
 void putOffsets(const KprHaarClassifier& state, Kpr64s rowElements) {
-    const HaarFeature* const features = reinterpret_cast<const HaarFeature*>(state.classifiers + state.classifierCount);
+    const auto* const features = reinterpret_cast<const HaarFeature*>(state.classifiers + state.classifierCount);
     for (int i = 0; i < state.featureTotal; ++i) {
         for (int k = 0; k < 4; ++k) {
             state.scratch[i][k] = static_cast<Kpr32s>(features[i].corner[k].y * rowElements + features[i].corner[k].x);
@@ -233,7 +283,7 @@ Table<T> tiltedTable(const T* tilt, Kpr64s step) {
 template <typename VoteRule, typename T, typename N, typename Value>
 KprStatus applyMixed(Table<T> src, Table<T> tilt, Rows<const N> norm, Rows<Kpr8u> mask, KprSize roi, int* positive,
                      Value threshold, const KprHaarClassifier* state, Kpr64s shift = 0) {
-    Stage<T, N, VoteRule, OnTheFly> stage(*state, {src.elements(), tilt.elements()}, threshold, shift);
+    Stage<T, N, VoteRule, OnTheFly> stage(*state, {{src.elements(), tilt.elements()}}, threshold, shift);
     *positive = stage.apply(src, tilt, norm, mask, roi);
     return kprStatusOk;
 }

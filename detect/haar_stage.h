@@ -36,7 +36,6 @@ KPR_INLINE Vec<Kpr32f> floatVote(const HaarClassifier& classifier, Vec<Kpr32f> s
 struct Chained {
     using Value = Kpr32f;
     using Norm = Vec<Kpr32f>;
-    static Norm norm(Vec<Kpr32f> norm) { return norm; }
 
     template <typename Rect, typename Weight>
     KPR_INLINE static Vec<Kpr32f> vote(const HaarClassifier& classifier, Norm norm, Rect rect, Weight weight) {
@@ -52,7 +51,6 @@ struct Chained {
 struct Spread {
     using Value = Kpr32f;
     using Norm = Vec<Kpr32f>;
-    static Norm norm(Vec<Kpr32f> norm) { return norm; }
 
     template <typename Rect, typename Weight>
     KPR_INLINE static Vec<Kpr32f> vote(const HaarClassifier& classifier, Norm norm, Rect rect, Weight weight) {
@@ -99,35 +97,32 @@ struct Shifted {
     }
 };
 
-// ---- corners: the reader's four elements of a feature, in every lane
+// ---- corners: where the four elements of a feature lie
 
-// From the offsets that the call has put down; every classifier reads the one table.
+// As the call has put them down; every classifier reads the one table.
 struct PutDown {
     const CornerOffsets* offsets;  // of the next classifier
 
     template <typename Order, typename Reader>
     KPR_INLINE auto rect(const HaarClassifier& /*classifier*/, int k, const Reader& reader) const {
         const auto* const corner = offsets[k];
-        return Order::rect(reader.upright(corner[0]), reader.upright(corner[1]), reader.upright(corner[2]),
-                           reader.upright(corner[3]));
+        return reader.template rect<Order>(false, corner[0], corner[1], corner[2], corner[3]);
     }
     KPR_INLINE void next(int features) { offsets += features; }
 };
 
-// On the fly, from the table that the classifier's tag names.
+// On the fly, in the table that the classifier's tag names.
 struct OnTheFly {
-    Kpr64s uprightElements, tiltedElements;  // from row to row
+    Kpr64s elements[2];  // from row to row of the upright and of the tilted table
 
     template <typename Order, typename Reader>
     KPR_INLINE auto rect(const HaarClassifier& classifier, int k, const Reader& reader) const {
         const bool tilted = (classifier.tag & 1) != 0;
-        const Kpr64s step = tilted ? tiltedElements : uprightElements;
         const HaarFeature& feature = classifier.features[k];
         const auto at = [&](int i) __attribute__((always_inline)) {
-            const Kpr64s offset = feature.corner[i].y * step + feature.corner[i].x;
-            return tilted ? reader.tilted(offset) : reader.upright(offset);
+            return feature.corner[i].y * elements[tilted] + feature.corner[i].x;
         };
-        return Order::rect(at(0), at(1), at(2), at(3));
+        return reader.template rect<Order>(tilted, at(0), at(1), at(2), at(3));
     }
     KPR_INLINE void next(int /*features*/) {}
 };

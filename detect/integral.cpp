@@ -51,7 +51,7 @@ KPR_INLINE void putDoubles(Part part, const Kpr64f* above, Kpr64f* dst, Vec<Kpr6
 
 // Squares of a row of up to kNarrow pixels: their sum fits in 32 bits.
 inline constexpr int kNarrow = 0x10000;
-static_assert(Bits64{255 * 255} * kNarrow <= 0xffffffff);
+static_assert(Bits64{255} * 255 * kNarrow <= 0xffffffff);
 
 template <>
 struct Row<Kpr64f> {
@@ -112,8 +112,8 @@ KPR_INLINE void sum64(const Kpr8u* src, Kpr64s x, Row<Kpr32s>& sum) {
 // ---- rows
 
 // With squares, the first columns are a part of their own, so that whole vectors fill whole lines of both tables where
-// these begin alike: a tenth faster. A single table loses more by the shorter rest than it gains, and sums of floats keep
-// their blocks.
+// these begin alike: a tenth faster. A single table loses more by the shorter rest than it gains, and sums of floats
+// keep their blocks.
 template <typename Sum, typename... Squares>
 KPR_INLINE void walkSums(const Kpr8u* src, Kpr64s width, Sum sum, Squares... square) {
     const auto step16 = [&](auto part, Kpr64s x) __attribute__((always_inline)) {

@@ -108,6 +108,20 @@ KPR_INLINE Vec<Kpr32s> selectLess(EvenOdd a, EvenOdd b, Vec<Kpr32s> v, Vec<Kpr32
 
 // ---- gathers
 
+// Lane i is the place of the i-th of the lower 32 bits that are set; of more than sixteen, the rest is left out.
+KPR_INLINE Vec<Kpr32s> placesOf(Bits64 set) {
+    const __m512i places = _mm512_set_epi32(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0);
+    const auto lower = static_cast<__mmask16>(set), upper = static_cast<__mmask16>(set >> 16);
+    const auto behind = static_cast<__mmask16>(~0U << _mm_popcnt_u32(lower));
+    const __m512i second = _mm512_maskz_compress_epi32(upper, _mm512_add_epi32(places, _mm512_set1_epi32(16)));
+    return vec<Kpr32s>(_mm512_mask_expand_epi32(_mm512_maskz_compress_epi32(lower, places), behind, second));
+}
+
+// Lane i is lane from[i] of those of a and, from 16 on, of b.
+KPR_INLINE Vec<Kpr32f> permute(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32s> from) {
+    return vec(_mm512_permutex2var_ps(ps(a), bits(from), ps(b)));
+}
+
 // Lane i is src[index[i]].
 KPR_INLINE Vec<Kpr32s> gather(const Kpr32s* src, Vec<Kpr32s> index) {
     return vec<Kpr32s>(_mm512_i32gather_epi32(bits(index), src, 4));

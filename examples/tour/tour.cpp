@@ -111,6 +111,7 @@ int main(int argc, char** argv) {
         tour::tourLines(tour);
         tour::tourSegments(tour);
         tour::tourDistances(tour);
+        tour::tourDetection(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';

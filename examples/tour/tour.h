@@ -18,6 +18,8 @@ class Tour {
     // One of the photographs that come with the library, for steps that want a scene of their own.
     Gray example(const std::string& file) const { return readGray(photosDir_ + "/" + file); }
     Image<Kpr8u> exampleInColour(const std::string& file) const { return readColour(photosDir_ + "/" + file); }
+    Gray example(const std::string& file) const { return readGray(pathOf(file)); }
+    std::string pathOf(const std::string& file) const { return photosDir_ + "/" + file; }
 
     // A heading on the page, one for each family.
     void chapter(const std::string& title, const std::string& text);
@@ -70,5 +72,6 @@ void tourCorners(Tour& tour);
 void tourLines(Tour& tour);
 void tourSegments(Tour& tour);
 void tourDistances(Tour& tour);
+void tourDetection(Tour& tour);
 
 }  // namespace tour

@@ -242,12 +242,30 @@ void checkPlainFloats(Function function, Sums sums, bool pairsAtTheEnd) {
     Random random;
     for (KprSize roi : windowSizes()) {
         const bool tilted = random.oneIn(4);
-        const auto stage = randomStage<Kpr32f>(random, randomCounts(random), tilted);
-        const auto meaning =
-            meaningOf(stage, std::vector(stage.counts.size(), tilted ? Turn::Tilted : Turn::None), !tilted);
-        Scene<T, Kpr32f> scene(Margin(meaning), roi, random, random.oneIn(4));
+        auto stage = randomStage<Kpr32f>(random, randomCounts(random), tilted);
+        const std::vector<Turn> turns(stage.counts.size(), tilted ? Turn::Tilted : Turn::None);
+        Scene<T, Kpr32f> scene(Margin(meaningOf(stage, turns, false)), roi, random, random.oneIn(4));
+        // Half of the time every sum of one window is at its threshold, where the last bit of a sum decides.
+        if (random.oneIn(2)) {
+            const int x = random.range(0, roi.width - 1), y = random.range(0, roi.height - 1);
+            scene.mask.at(x, y) = 1;
+            scene.norm.at(x, y) = 1;
+            const auto callers = meaningOf(stage, turns, false);
+            for (std::size_t i = 0; i < callers.size(); ++i) {
+                stage.thresholds[i] =
+                    reference::floatSum(callers[i], sums, pairsAtTheEnd && x >= roi.width / 4 * 4,
+                                        [&](const auto& r, int k) { return elementOf(scene, r.corner[k], x, y); });
+                stage.above[i] = std::fabs(stage.above[i]) + 1;
+                stage.below[i] = -stage.above[i];
+            }
+        }
+        const auto meaning = meaningOf(stage, turns, !tilted);
         const Block<Kpr32f> block(stage, roi, random, tilted);
-        const float threshold = someThreshold(meaning, random);
+        float threshold = someThreshold(meaning, random);
+        if (random.oneIn(2)) {  // nothing but valueAbove passes
+            threshold = 0;
+            for (const auto& c : meaning) threshold += c.above;
+        }
         checkApply(
             scene, roi, meaning, threshold,
             [&](int* positive) {
@@ -404,6 +422,26 @@ TEST(HaarClassifier, OnlyWindowsOfTheMaskAreRead) {
                                                  mask.step(), roi, &positive, -1e6F, block.state()),
               kprStatusOk);
     EXPECT_EQ(positive, roi.width - reach.width);
+}
+
+// With a mask step of 0 all rows have the same windows: what a row clears, the next does not see.
+TEST(HaarClassifier, RowsThatShareTheirMask) {
+    Random random;
+    const Stage<Kpr32s> stage{{0, 0, 1, 1}, {1}, {1}, {1}, {0}, {1}};
+    const Block<Kpr32s> block(stage, {20, 2}, random);
+    Kpr32s src[3][21] = {};
+    const std::vector<Kpr32s> norm(40, 1);
+    src[2][6] = 5;  // window 5 passes in the second row only, window 9 in both
+    src[1][10] = 5;
+    src[2][10] = 10;
+    Kpr8u mask[20] = {};
+    mask[5] = mask[9] = 1;
+    int positive = 0;
+    ASSERT_EQ(kpriApplyHaarClassifier_32s_C1RSfs(src[0], sizeof src[0], norm.data(), 80, mask, 0, {20, 2}, &positive, 1,
+                                                 block.state(), 0),
+              kprStatusOk);
+    EXPECT_EQ(std::pair(mask[5], mask[9]), (std::pair<Kpr8u, Kpr8u>(0, 1)));
+    EXPECT_EQ(positive, 2);
 }
 
 // ---- blocks

@@ -27,13 +27,15 @@ void fillPhoto(GuardedImage<Kpr8u>& image, Random& random) {
     if (random.oneIn(3)) image.forEach([](Kpr8u& pixel) { pixel = static_cast<Kpr8u>(pixel < 40 ? 0 : 255); });
 }
 
-// Where the table's first element is; fractions show where 64f and 32f round.
+// Where the table's first element is; fractions and large numbers show where 64f and 32f round.
 template <typename T>
 T startValue(Random& random) {
     if constexpr (std::is_integral_v<T>)
         return random.oneIn(3) ? 0 : random.pixel<T>();
     else
-        return random.oneIn(3) ? T{0} : static_cast<T>(random.range(-1000000, 1000000)) / T{3};
+        return random.oneIn(3)
+                   ? T{0}
+                   : static_cast<T>(random.range(-1000000, 1000000)) / T{3} * (random.oneIn(3) ? T{0x1p40} : T{1});
 }
 
 template <typename T, typename S>

@@ -161,7 +161,7 @@ enum class Sums { Chained, Lanes };
 
 // A feature's four elements are element(rectangle, corner). Windows in the last columns pair them.
 template <typename Element>
-float floatVote(const Classifier<float>& c, float norm, Sums sums, bool paired, Element element) {
+float floatSum(const Classifier<float>& c, Sums sums, bool paired, Element element) {
     float lane[16] = {};
     for (std::size_t k = 0; k < c.rectangles.size(); ++k) {
         const auto& r = c.rectangles[k];
@@ -182,6 +182,12 @@ float floatVote(const Classifier<float>& c, float norm, Sums sums, bool paired, 
         for (int i = 0; i < 2; ++i) p[i] = (b[i + 2] + a[i]) + (b[i] + a[i + 2]);
         acc = p[1] + p[0];
     }
+    return acc;
+}
+
+template <typename Element>
+float floatVote(const Classifier<float>& c, float norm, Sums sums, bool paired, Element element) {
+    const float acc = floatSum(c, sums, paired, element);
     const float bound = c.threshold * norm;
     return bound > acc ? c.below : c.above;
 }
