@@ -122,7 +122,6 @@ class EvenRounding {
 template <int channels, typename Rounding>
 class ThreeTaps {
   public:
-    static constexpr bool kWalks = true;
     static constexpr int kRadius = 1;
     using Row = EvenOdd;
 
@@ -157,7 +156,6 @@ class ThreeTaps {
 template <int channels>
 class MeanTaps {
   public:
-    static constexpr bool kWalks = true;
     static constexpr int kRadius = 1;
     using Row = Vec<Kpr8u>;
 
