@@ -28,22 +28,25 @@ struct Traffic {
 enum class Limit { Copy, Read, Update };
 double rateOf(Limit limit, std::size_t footprint);
 
+inline constexpr KprSize kTile = {64, 64};  // which shows what a call costs
 inline constexpr KprSize kInCache = {640, 480};
 inline constexpr KprSize kLarge = {1920, 1080};
 
 template <typename T>
 class Image {
   public:
-    // Rows start at multiples of 64 bytes.
-    explicit Image(KprSize size, int channels = 1)
-        : step_(static_cast<int>((sizeof(T) * static_cast<std::size_t>(size.width * channels) + 63) / 64 * 64)),
+    // Rows start at multiples of 64 bytes; or all of them one element behind, where they are `Odd`.
+    enum Start { Aligned, Odd };
+    explicit Image(KprSize size, int channels = 1, Start start = Aligned)
+        : step_(static_cast<int>((sizeof(T) * static_cast<std::size_t>(size.width * channels + start) + 63) / 64 * 64)),
           bytes_(static_cast<std::size_t>(step_) * static_cast<std::size_t>(size.height)),
+          start_(start),
           data_(static_cast<T*>(std::aligned_alloc(64, bytes_))) {
         std::mt19937 engine(7);
         for (std::size_t i = 0; i < bytes_ / sizeof(T); ++i) data_.get()[i] = static_cast<T>(engine() % 251);
     }
 
-    T* data() const { return data_.get(); }
+    T* data() const { return data_.get() + start_; }
     int step() const { return step_; }
 
   private:
@@ -52,6 +55,7 @@ class Image {
     };
     int step_;
     std::size_t bytes_;
+    Start start_;
     std::unique_ptr<T, Free> data_;
 };
 
@@ -72,10 +76,10 @@ void measure(benchmark::State& state, KprSize size, Traffic traffic, Call call) 
     state.counters["of_limit"] = Counter(bytes / limit, Counter::kIsIterationInvariantRate);
 }
 
-// Registers `run(state, size)` under `name` at the size in cache and at the large one.
+// Registers `run(state, size)` under `name` at the size of a tile, at the one in cache and at the large one.
 template <typename Run>
 void add(const std::string& name, Run run) {
-    for (KprSize size : {kInCache, kLarge}) {
+    for (KprSize size : {kTile, kInCache, kLarge}) {
         benchmark::RegisterBenchmark(
             (name + "/" + std::to_string(size.width) + "x" + std::to_string(size.height)).c_str(),
             [run, size](benchmark::State& state) { run(state, size); });

@@ -137,6 +137,21 @@ inline const std::vector<KprSize>& awkwardSizes() {
     return sizes;
 }
 
+// Sizes of photographs and their like, at which groups of rows end, rings come round, rows have more columns than a byte
+// counts and sums outgrow narrow lanes. For reduced rounds: the largest has 300000 pixels.
+inline const std::vector<KprSize>& photographSizes() {
+    static const std::vector<KprSize> sizes = {{640, 1}, {256, 1},  {640, 3},  {1100, 7},
+                                               {5, 300}, {67, 131}, {512, 66}, {641, 479}};
+    return sizes;
+}
+
+// Both lists, for tests that look at every size once.
+inline std::vector<KprSize> allSizes() {
+    std::vector<KprSize> sizes = awkwardSizes();
+    sizes.insert(sizes.end(), photographSizes().begin(), photographSizes().end());
+    return sizes;
+}
+
 // Expects `expected(x, y, channel)` at every element and nothing written between the rows.
 template <typename T, typename Expected>
 void expectImage(GuardedImage<T>& image, Expected expected, int channels = 1) {

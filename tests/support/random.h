@@ -21,7 +21,7 @@ class Random {
     bool oneIn(int n) { return range(1, n) == 1; }
 
     // A pixel: any value of an integer type, its ends often. Floats are of moderate size unless `wild`, which brings
-    // infinities, NaN, zeros of both signs, subnormals and values near overflow among them.
+    // infinities, NaN of both kinds and signs, zeros of both signs, subnormals and values near overflow among them.
     template <typename T>
     T pixel(bool wild = false) {
         if constexpr (std::is_floating_point_v<T>) {
@@ -37,8 +37,17 @@ class Random {
     template <typename T>
     T special() {
         using Limits = std::numeric_limits<T>;
-        const T values[] = {Limits::infinity(),   -Limits::infinity(), Limits::quiet_NaN(), T{0}, -T{0}, Limits::min(),
-                            Limits::denorm_min(), Limits::max(),       Limits::lowest()};
+        const T values[] = {Limits::infinity(),
+                            -Limits::infinity(),
+                            Limits::quiet_NaN(),
+                            -Limits::quiet_NaN(),
+                            Limits::signaling_NaN(),
+                            T{0},
+                            -T{0},
+                            Limits::min(),
+                            Limits::denorm_min(),
+                            Limits::max(),
+                            Limits::lowest()};
         return values[range(0, static_cast<int>(std::size(values)) - 1)];
     }
 
