@@ -6,8 +6,9 @@
 //     kprBorderReplicate        0   0   0                           n-1   n-1  n-1
 //     kprBorderMirror           3   2   1                           n-2   n-3  n-4
 //     kprBorderConstant           value                                 value
-//     repeating the edge        2   1   0                           n-1   n-2  n-3     (no base mode:
-//     ownCopyWithBorder)
+//     repeating the edge        2   1   0                           n-1   n-2  n-3
+//
+// No base mode repeats the edge; ownCopyWithBorder does.
 //
 // A border wider than the image keeps on reflecting, with a period of 2n - 2 (repeating the edge: 2n); the reflection
 // of one row or column is that row or column. In a corner the row and the column follow their rules separately.
