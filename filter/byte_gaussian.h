@@ -18,11 +18,11 @@
 
 namespace n0::filter {
 
-// The taps of a kernel in pairs, four bytes to a pair: twice the two.
+// The taps of a kernel in pairs. A pair is held twice, in four bytes, since 32 bits are the least that broadcasts fast.
 class BytePairs {
   public:
     static constexpr int kMostTaps = 63;
-    static constexpr int kFlush = 5;  // so many pairs' lows are added up between two reductions
+    static constexpr int kFlush = 5;  // after so many pairs the low digits are carried into the high ones
     static constexpr int kMost = (kMostTaps + 1) / 2;
     struct Pair {
         Kpr32s high, low;
@@ -203,8 +203,9 @@ class ByteTaps {
     PairWeights even_[kKept == 0 ? 1 : kKept], odd_[kKept == 0 ? 1 : kKept];
 };
 
-// One call for a row, which looks up the taps once. Every part begins with a whole vector of dst, and whole vectors are
-// stored, so that dst has room for its last one: a vector stored in part would not be at hand when it is read soon.
+// One call for a row, which looks up the taps once. Every part of the row begins at a whole vector of dst. The last
+// vector too is stored whole, for which dst has room: a masked store cannot be forwarded to the load that soon reads it
+// for the column stage.
 template <int channels, typename Taps>
 void filterByteRow(const void* shared, const RowParts<Kpr8u>& parts, Inside inside, Kpr8u* dst) {
     const Taps taps = *static_cast<const Taps*>(shared);

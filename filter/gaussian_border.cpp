@@ -38,10 +38,17 @@ struct Memory {
         constexpr Kpr64s lanes = kLanes<Middle<T>>;
         const Kpr64s padded = (Kpr64s{channels} * (Kpr64s{call.roi.width} + call.kernelSize) + 7) & ~Kpr64s{7};
         ring.stride = padded < lanes ? padded : (padded + lanes - 1) & ~(lanes - 1);
-        ring.first = alignedUp<Middle<T>>(call.buffer, 64);
-        auto* const behind = ring.first + call.kernelSize * ring.stride;
-        ring.window = alignedUp<const Middle<T>*>(behind, alignof(void*));
-        strip = reinterpret_cast<T*>(ring.window + call.kernelSize);
+        constexpr KprDataType type = std::is_same_v<T, Kpr8u>    ? kpr8u
+                                     : std::is_same_v<T, Kpr16u> ? kpr16u
+                                     : std::is_same_v<T, Kpr16s> ? kpr16s
+                                                                 : kpr32f;
+        const auto [width, height] = call.roi;
+        Workspace left(call.buffer, borderSizes(static_cast<Bytes32>(width), static_cast<Bytes32>(height),
+                                                static_cast<Bytes32>(call.kernelSize), type, channels)
+                                        .buffer);
+        ring.first = left.take<Middle<T>>(call.kernelSize * ring.stride, 64);
+        ring.window = left.take<const Middle<T>*>(call.kernelSize);
+        strip = left.take<T>(left.left<T>());
     }
 };
 

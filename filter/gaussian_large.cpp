@@ -97,8 +97,9 @@ template <int channels, typename T>
 KprStatus smooth(const Call<T>& call, int kernelSize, RowStage<T, Kpr32f> across, ColumnStage<Kpr32f, T> down) {
     const Kpr64s width = channels * call.roi.width;
     const Kpr64s stride = (width + 15) & ~Kpr64s{15};
-    auto* const first = alignedUp<Kpr32f>(call.buffer, 64);
-    auto* const behind = first + kernelSize * stride;
+    Workspace left(call.buffer, static_cast<Kpr64s>(largeBufferBytes(static_cast<Bits64>(width), kernelSize)));
+    auto* const first = left.take<Kpr32f>(kernelSize * stride, 64);
+    auto* const behind = left.take<Kpr64s>(left.left<Kpr64s>());
     const int radius = kernelSize / 2;
     const Axis rows = rowsOf(call.roi.height, call.border);
     EdgedRows<T, channels, kLanes<Kpr32f>> edged(call.src, endOf(rows, radius), columnsOf(call.roi.width, call.border),

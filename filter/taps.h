@@ -37,8 +37,8 @@ KPR_INLINE auto withSize(int kernelSize, Run run) {
 
 enum class Conversion { Nearest, Truncate };
 
-// Integer taps, two and two as `sumPairs` takes them; what is left over stands beside a zero. `shrinks` says that the
-// divisor is known to be 2 or more: no product leaves 32 bits.
+// Integer taps in pairs, since one instruction multiplies and adds two pixels; the last of an odd number is paired with
+// a tap of zero. `shrinks` says that the divisor is known to be 2 or more, so that no scaled sum exceeds 2^30.
 template <typename Src, int size, bool shrinks = false>
 class IntegerTaps {
   public:
@@ -117,7 +117,8 @@ class IntegerTaps {
             return loadAs<Kpr16s>(src, part);
     }
 
-    // A product may reach 2^31, by a divisor of -1 or a sum that is rounded up: it stays where it converts.
+    // The sum times 1 / divisor as an integer. With a divisor of 1 or -1 the float may be 2^31, which the conversion
+    // would turn into -2^31: it is capped first, above what any destination holds.
     template <Conversion conversion>
     [[nodiscard]] KPR_INLINE Vec<Kpr32s> scaled(Vec<Kpr32s> sum) const {
         Vec<Kpr32f> value = toFloat(sum) * inverse_;

@@ -263,8 +263,8 @@ TEST(FilterGaussian, EverySigmaOfThreeTaps) {
     }
 }
 
-// Every triple of bytes whose outer ones matter by their sum: along the rows, and with all rows constant down the columns.
-// Taps k, 4096 + d - 2k, k of all kinds: odd ones and powers of two, sums beside 4096, 1 2 1.
+// Every triple of bytes whose outer ones matter by their sum: along the rows, and with all rows constant down the
+// columns. Taps k, 4096 + d - 2k, k of all kinds: odd ones and powers of two, sums beside 4096, 1 2 1.
 template <int channels, typename Function>
 void checkEveryTriple(Function function, int k, int d) {
     const Kpr16s taps[3] = {static_cast<Kpr16s>(k), static_cast<Kpr16s>(4096 + d - 2 * k), static_cast<Kpr16s>(k)};

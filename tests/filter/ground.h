@@ -81,8 +81,8 @@ class BorderedImage {
     GuardedBytes value_;
 };
 
-// Four rows so far apart that the last ones begin beyond 2^31 bytes: addresses of which memory is taken only where there
-// are pixels.
+// Four rows so far apart that the last ones begin beyond 2^31 bytes: addresses of which memory is taken only where
+// there are pixels.
 template <typename T>
 class SparseRows {
   public:
