@@ -18,11 +18,11 @@
 
 namespace n0::filter {
 
-// The taps of a kernel in pairs, four bytes to a pair: twice the two.
+// The taps of a kernel in pairs. A pair is held twice, in four bytes, since 32 bits are the least that broadcasts fast.
 class BytePairs {
   public:
     static constexpr int kMostTaps = 63;
-    static constexpr int kFlush = 5;  // so many pairs' lows are added up between two reductions
+    static constexpr int kFlush = 5;  // after so many pairs the low digits are carried into the high ones
     static constexpr int kMost = (kMostTaps + 1) / 2;
     struct Pair {
         Kpr32s high, low;
@@ -30,7 +30,7 @@ class BytePairs {
     Pair even[kMost], odd[kMost];
 
     // False where the kernel is not one that the file's comment tells of.
-    bool make(const Kpr16s* kernel, int kernelSize, int divisor) {
+    [[gnu::noinline]] bool make(const Kpr16s* kernel, int kernelSize, int divisor) {
         if (divisor != 4096 || kernelSize > kMostTaps) return false;
         Kpr8s high[kMostTaps + 2] = {}, low[kMostTaps + 2] = {};  // of tap i at i + 1
         int sum = 0, above = 0, below = 0;
@@ -106,8 +106,6 @@ KPR_INLINE void divide(const Digits& a, const Digits& b, Vec<Kpr16u> halfA, Vec<
 template <int channels, int size>
 class ByteTaps {
   public:
-    // More rows than these, or rows of strided taps, gain nothing from staying in registers.
-    static constexpr bool kWalks = size == 3 || (size == 5 && channels == 1);
     static constexpr int kRadius = size / 2;
     using Row = Vec<Kpr8u>;
 
@@ -205,11 +203,12 @@ class ByteTaps {
     PairWeights even_[kKept == 0 ? 1 : kKept], odd_[kKept == 0 ? 1 : kKept];
 };
 
-// One call for a row, which looks up the taps once. Every part begins with a whole vector of dst, and whole vectors are
-// stored, so that dst has room for its last one: a vector stored in part would not be at hand when it is read soon.
+// One call for a row, which looks up the taps once. Every part of the row begins at a whole vector of dst. The last
+// vector too is stored whole, for which dst has room: a masked store cannot be forwarded to the load that soon reads it
+// for the column stage.
 template <int channels, typename Taps>
-[[gnu::noinline]] void filterByteRow(const Taps& shared, const RowParts<Kpr8u>& parts, Inside inside, Kpr8u* dst) {
-    const Taps taps = shared;
+void filterByteRow(const void* shared, const RowParts<Kpr8u>& parts, Inside inside, Kpr8u* dst) {
+    const Taps taps = *static_cast<const Taps*>(shared);
     constexpr Kpr64s lanes = kLanes<Kpr8u>;
     for (const RowPart<Kpr8u>& row : parts) {
         const Kpr64s first = row.x * channels, count = row.count * channels;
@@ -226,12 +225,24 @@ template <int channels, typename Taps>
 }
 
 template <typename Taps>
-[[gnu::noinline]] void filterByteColumn(const Taps& shared, const Kpr8u* const* rows, Kpr8u* dst, Kpr64s count) {
-    const Taps taps = shared;
+void filterByteColumn(const void* shared, const Kpr8u* const* rows, Kpr8u* dst, Kpr64s count) {
+    const Taps taps = *static_cast<const Taps*>(shared);
     walkStretches<kLanes<Kpr8u>, 1>(count, [&]<int>(auto part, Kpr64s x) {
         const auto at = [&](int i) __attribute__((always_inline)) { return load(rows[i] + x, part); };
         store(dst + x, taps.down(at), part);
     });
 }
+
+// The two, with their taps.
+struct ByteStages {
+    const void* taps;
+    void (*across)(const void* taps, const RowParts<Kpr8u>& parts, Inside inside, Kpr8u* dst);
+    void (*down)(const void* taps, const Kpr8u* const* rows, Kpr8u* dst, Kpr64s count);
+
+    template <int channels, typename Taps>
+    static ByteStages of(const Taps& taps) {
+        return {&taps, filterByteRow<channels, Taps>, filterByteColumn<Taps>};
+    }
+};
 
 }  // namespace n0::filter

@@ -30,40 +30,45 @@ constexpr Inside insideOf(Axis columns, int radius, int channels) {
             (columns.size - (columns.highInMemory ? 0 : radius)) * channels};
 }
 
+// Where row y of a band is read from, its first row being `first`; null for a row of the constant.
+[[gnu::noinline]] inline const Kpr8u* sourceOf(Kpr64s y, Axis rows, Rows<const Kpr8u> src, Kpr64s first) {
+    const Kpr64s from = rows(y);
+    return from == kConstant ? nullptr : src[from - first];
+}
+
 // Rows begin to end - 1 of 64 columns. Row y of the source lies at src[y - first].
 template <typename Rule, typename Part, typename Nearest>
 [[gnu::noinline]] void walkBytesDown(const Rule& shared, Part part, Nearest nearest, Axis rows, Rows<const Kpr8u> src,
                                      Kpr64s first, const Kpr8u* constants, Rows<Kpr8u> dst, Kpr64s begin, Kpr64s end) {
     constexpr int radius = Rule::kRadius;
     const Rule rule = shared;
-    const auto across = [&](Kpr64s y) __attribute__((always_inline)) {
-        const Kpr64s from = rows(y);
-        return from == kConstant ? rule.outside(constants) : rule.across(part, nearest, src[from - first]);
+    const auto across = [&](const Kpr8u* from) __attribute__((always_inline)) {
+        return from == nullptr ? rule.outside(constants) : rule.across(part, nearest, from);
     };
     constexpr int size = 2 * radius + 1;
     typename Rule::Row row[size];
-    takeTurns<size - 1>([&](auto i) __attribute__((always_inline)) { row[i] = across(begin - radius + i); });
-    const auto result = [&](auto turn) __attribute__((always_inline)) {
-        return rule.down([&](auto i) __attribute__((always_inline)) { return row[(turn + i) % size]; });
-    };
+    takeTurns<size - 1>([&](auto i) __attribute__((always_inline)) {
+        row[i] = across(sourceOf(begin - radius + i, rows, src, first));
+    });
     // The rows take turns in their registers. Most are followed by a row that exists: that one is a step away.
-    Kpr64s y = begin;
     const Kpr64s existing = rows.highInMemory ? end : std::min(end, rows.size - radius);
-    const Kpr8u* newest = src[y + radius - first];
-    Kpr8u* out = dst[y];
+    const Kpr8u* next = src[begin + radius - first];
+    Kpr8u* out = dst[begin];
+    Kpr64s y = begin;
+    const auto step = [&](auto turn, const typename Rule::Row& from) __attribute__((always_inline)) {
+        row[(turn + size - 1) % size] = from;
+        store(out, rule.down([&](auto i) __attribute__((always_inline)) { return row[(turn + i) % size]; }), part);
+        out += dst.step;
+    };
     for (; y + size <= existing; y += size) {
         takeTurns<size>([&](auto turn) __attribute__((always_inline)) {
-            row[(turn + size - 1) % size] = rule.across(part, nearest, newest);
-            store(out, result(turn), part);
-            newest += src.step;
-            out += dst.step;
+            step(turn, rule.across(part, nearest, next));
+            next += src.step;
         });
     }
     for (; y < end; y += size) {
         takeTurns<size>([&](auto turn) __attribute__((always_inline)) {
-            if (y + turn >= end) return;
-            row[(turn + size - 1) % size] = across(y + turn + radius);
-            store(dst[y + turn], result(turn), part);
+            if (y + turn < end) step(turn, across(sourceOf(y + turn + radius, rows, src, first)));
         });
     }
 }

@@ -13,7 +13,7 @@ namespace {
 
 template <typename Taps, typename Src, typename Dst>
 void filterColumns(const Taps& taps, const Src* const* rows, Rows<Dst> dst, Kpr64s width, Kpr64s height) {
-    for (Kpr64s y = 0; y < height; ++y) filterColumn(taps, rows + y, dst[y], width);
+    for (Kpr64s y = 0; y < height; ++y) filterColumn<Taps>(&taps, rows + y, dst[y], width);
 }
 
 template <int channels, typename Src, typename Dst, typename Tap>

@@ -1,6 +1,7 @@
-// The prepared block of the two Gaussian filters, and where its kernel lies.
+// The prepared block of the two Gaussian filters, where its kernel lies, and the sizes of block and buffer.
 #pragma once
 
+#include "filter/pipeline_sizes.h"
 #include "primitives/axis.h"
 #include "primitives/workspace.h"
 
@@ -36,6 +37,30 @@ constexpr int scaleBitsOf(KprDataType type) { return type == kpr8u ? 12 : 15; }
 // The large form takes every word with all four flags for the one without a base mode.
 constexpr KprBorderType largeWord(KprBorderType word) {
     return allInMemory(word) && (word & ~kFilterWord) == 0 ? KprBorderType{kprBorderInMem} : word;
+}
+
+struct BorderSizes {
+    Bytes32 spec, buffer;
+};
+
+// `n` taps on rows of `w` pixels: the row's and the column's own buffers, two strips, the rows and their pointers.
+constexpr BorderSizes borderSizes(Bytes32 w, Bytes32 h, Bytes32 n, KprDataType type, int channels) {
+    const Bytes32 m = h < n ? h : n;
+    const Bytes32 w8 = roundUp((w + n) * static_cast<Bytes32>(channels), 8);
+    if (type == kpr32f) {
+        return {n * 32 + 32, w8 * n * 4 + 32 + (m + n) * 4 * w8 + 64 + rowBytes32f(n, channels) + 32 +
+                                 columnBytes32f(n) + 32 + (m + n) * 8 + 32};
+    }
+    const Bytes32 stages = type == kpr8u    ? rowBytes8u16s(n, channels) + columnBytes16s(w, channels)
+                           : type == kpr16u ? rowBytes16u(n, channels) + columnBytes16u(w, n, channels)
+                                            : rowBytes16s(n, channels) + columnBytes16s(w, channels);
+    return {n * 16 + 36, 2 * (m + n) * w8 + 64 + 2 * (2 * (n / 2) * w8 + 16) + stages + 32 + 32 + (h + n) * 8 + 32};
+}
+
+// The large form: a ring of float rows that are whole cache lines, one row more and three words a tap.
+constexpr Bits64 largeBufferBytes(Bits64 rowElements, int kernelSize) {
+    const auto n = static_cast<Bits64>(kernelSize);
+    return (n + 1) * ((rowElements * 4 + 63) & ~Bits64{63}) + n * 12 + 64;
 }
 
 }  // namespace n0::filter

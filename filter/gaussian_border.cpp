@@ -38,15 +38,22 @@ struct Memory {
         constexpr Kpr64s lanes = kLanes<Middle<T>>;
         const Kpr64s padded = (Kpr64s{channels} * (Kpr64s{call.roi.width} + call.kernelSize) + 7) & ~Kpr64s{7};
         ring.stride = padded < lanes ? padded : (padded + lanes - 1) & ~(lanes - 1);
-        ring.first = alignedUp<Middle<T>>(call.buffer, 64);
-        auto* const behind = ring.first + call.kernelSize * ring.stride;
-        ring.window = alignedUp<const Middle<T>*>(behind, alignof(void*));
-        strip = reinterpret_cast<T*>(ring.window + call.kernelSize);
+        constexpr KprDataType type = std::is_same_v<T, Kpr8u>    ? kpr8u
+                                     : std::is_same_v<T, Kpr16u> ? kpr16u
+                                     : std::is_same_v<T, Kpr16s> ? kpr16s
+                                                                 : kpr32f;
+        const auto [width, height] = call.roi;
+        Workspace left(call.buffer, borderSizes(static_cast<Bytes32>(width), static_cast<Bytes32>(height),
+                                                static_cast<Bytes32>(call.kernelSize), type, channels)
+                                        .buffer);
+        ring.first = left.take<Middle<T>>(call.kernelSize * ring.stride, 64);
+        ring.window = left.take<const Middle<T>*>(call.kernelSize);
+        strip = left.take<T>(left.left<T>());
     }
 };
 
-template <int channels, typename T, typename RowTaps, typename ColumnTaps>
-KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& columnTaps) {
+template <int channels, typename T>
+KprStatus smooth(const Call<T>& call, RowStage<T, Middle<T>> across, ColumnStage<Middle<T>, T> down) {
     const Memory<channels, T> memory(call);
     const int radius = call.kernelSize / 2;
     const Axis rows = rowsOf(call.roi.height, call.border);
@@ -54,35 +61,36 @@ KprStatus smooth(const Call<T>& call, const RowTaps& rowTaps, const ColumnTaps& 
                                                 radius, radius, call.value, memory.strip);
     walkRing(
         rows, radius, memory.ring,
-        [&](Kpr64s y, Middle<T>* out) {
-            for (const RowPart<T>& part : edged.row(y)) filterRowPart<channels>(rowTaps, part, out);
-        },
+        [&](Kpr64s y, Middle<T>* out) { across.template operator()<channels>(edged.row(y), out); },
         [&](Middle<T>* out) { fillPixels<channels>(out, call.roi.width, call.value); },
         [&](const Middle<T>* const* window, Kpr64s y) {
-            filterColumn(columnTaps, window, call.dst[y], Kpr64s{channels} * call.roi.width);
+            down.filter(down.taps, window, call.dst[y], Kpr64s{channels} * call.roi.width);
         });
     return kprStatusOk;
 }
 
-// Bytes that stay bytes between the stages: by columns where the kernel is small, else by a ring, which takes half of
-// the room that the buffer has for words.
-template <int channels, typename Taps>
-KprStatus smoothBytes(const Call<Kpr8u>& call, const Taps& taps) {
+// Bytes that stay bytes between the stages, in a ring, which takes half of the room that the buffer has for words.
+template <int channels>
+KprStatus smoothBytes(const Call<Kpr8u>& call, ByteStages stages) {
     const Axis rows = rowsOf(call.roi.height, call.border), columns = columnsOf(call.roi.width, call.border);
-    if constexpr (Taps::kWalks) {
-        walkBytes<channels>(taps, columns, rows, call.src, call.dst, call.value);
-    } else {
-        const int radius = call.kernelSize / 2;
-        const Kpr64s width = Kpr64s{channels} * call.roi.width;
-        const Inside inside = insideOf(columns, radius, channels);
-        EdgedRows<Kpr8u, channels, kLanes<Kpr8u>> edged(call.src, endOf(rows, radius), columns, radius, radius,
-                                                        call.value, nullptr);
-        walkRing(
-            rows, radius, Ring<Kpr8u>{alignedUp<Kpr8u>(call.buffer, 64), (width + 63) & ~Kpr64s{63}, nullptr},
-            [&](Kpr64s y, Kpr8u* out) { filterByteRow<channels>(taps, edged.row(y), inside, out); },
-            [&](Kpr8u* out) { fillPixels<channels>(out, call.roi.width, call.value); },
-            [&](const Kpr8u* const* window, Kpr64s y) { filterByteColumn(taps, window, call.dst[y], width); });
-    }
+    const int radius = call.kernelSize / 2;
+    const Kpr64s width = Kpr64s{channels} * call.roi.width;
+    const Inside inside = insideOf(columns, radius, channels);
+    EdgedRows<Kpr8u, channels, kLanes<Kpr8u>> edged(call.src, endOf(rows, radius), columns, radius, radius, call.value,
+                                                    nullptr);
+    walkRing(
+        rows, radius, Ring<Kpr8u>{alignedUp<Kpr8u>(call.buffer, 64), (width + 63) & ~Kpr64s{63}, nullptr},
+        [&](Kpr64s y, Kpr8u* out) { stages.across(stages.taps, edged.row(y), inside, out); },
+        [&](Kpr8u* out) { fillPixels<channels>(out, call.roi.width, call.value); },
+        [&](const Kpr8u* const* window, Kpr64s y) { stages.down(stages.taps, window, call.dst[y], width); });
+    return kprStatusOk;
+}
+
+// The same with rows that stay in registers.
+template <int channels, typename Taps>
+KprStatus walkDown(const Call<Kpr8u>& call, const Taps& taps) {
+    walkBytes<channels>(taps, columnsOf(call.roi.width, call.border), rowsOf(call.roi.height, call.border), call.src,
+                        call.dst, call.value);
     return kprStatusOk;
 }
 
@@ -93,21 +101,28 @@ KprStatus smoothIntegers(const Call<T>& call, const Kpr16s* kernel, int divisor)
             if constexpr (size == 3) {
                 const int k = kernel[0], d = kernel[1] + 2 * k - 4096;
                 if (divisor == 4096 && k == kernel[2] && k >= 0 && k < 2048 && kernel[1] >= 0) {
-                    if (MeanTaps<channels>::serves(k, d)) return smoothBytes<channels>(call, MeanTaps<channels>(k, d));
+                    if (MeanTaps<channels>::serves(k, d)) return walkDown<channels>(call, MeanTaps<channels>(k, d));
                     if (TielessRounding::serves(k, d))
-                        return smoothBytes<channels>(call, ThreeTaps<channels, TielessRounding>(k, d));
+                        return walkDown<channels>(call, ThreeTaps<channels, TielessRounding>(k, d));
                     if (EvenRounding::serves(k, d))
-                        return smoothBytes<channels>(call, ThreeTaps<channels, EvenRounding>(k, d));
+                        return walkDown<channels>(call, ThreeTaps<channels, EvenRounding>(k, d));
                 }
             }
+            constexpr int known = size == 3 ? 0 : size;  // other kernels of three taps are made by no sigma
             BytePairs pairs;
-            if (pairs.make(kernel, call.kernelSize, divisor))
-                return smoothBytes<channels>(call, ByteTaps<channels, size>(pairs, call.kernelSize));
+            if (pairs.make(kernel, call.kernelSize, divisor)) {
+                const ByteTaps<channels, known> taps(pairs, call.kernelSize);
+                if constexpr (known == 5 && channels == 1)
+                    return walkDown<channels>(call, taps);  // more rows gain nothing from staying in registers
+                else
+                    return smoothBytes<channels>(call, ByteStages::of<channels>(taps));
+            }
         }
         // 16-bit blocks have a divisor of 32768.
         constexpr bool shrinks = sizeof(T) > 1;
-        return smooth<channels>(call, IntegerTaps<T, size, shrinks>(kernel, call.kernelSize, divisor),
-                                IntegerTaps<Middle<T>, size, shrinks>(kernel, call.kernelSize, divisor));
+        const IntegerTaps<T, size, shrinks> across(kernel, call.kernelSize, divisor);
+        const IntegerTaps<Middle<T>, size, shrinks> down(kernel, call.kernelSize, divisor);
+        return smooth<channels>(call, rowStageOf<channels, Middle<T>, kAtEdge<T>>(across), columnStageOf<T>(down));
     });
 }
 
@@ -127,7 +142,7 @@ KprStatus smoothBlock(const T* src, int srcStep, T* dst, int dstStep, KprSize ro
         const auto* const kernel = kernelAt<Kpr32f>(spec, spec->kernelOffset, 16);
         return withSize(spec->kernelSize, [&]<int size>() {
             const FloatTaps<size> taps(kernel, spec->kernelSize, 8);  // each tap is stored eight times
-            return smooth<channels>(call, taps, taps);
+            return smooth<channels>(call, rowStageOf<channels, T>(taps), columnStageOf<T>(taps));
         });
     } else {
         // A block that integer forms cannot use leaves the image as it is, without an error.

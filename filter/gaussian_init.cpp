@@ -6,7 +6,6 @@
 // of 2^15 wraps. The large form adds the pairs first, and stores half of the kernel, the outermost tap first, in
 // floats. The two hold slightly different coefficients.
 #include "filter/gaussian_block.h"
-#include "filter/pipeline_sizes.h"
 #include "primitives/math.h"
 
 namespace n0::filter {
@@ -25,24 +24,6 @@ constexpr KprStatus channelsHold(int channels) {
 Kpr32f weight(int distance, Kpr32f twoSigmaSquared) {
     const auto x = static_cast<Kpr32f>(distance);
     return kprsExpOneF(-(x * x) / twoSigmaSquared);
-}
-
-struct BorderSizes {
-    Bytes32 spec, buffer;
-};
-
-// `n` taps on rows of `w` pixels: the row's and the column's own buffers, two strips, the rows and their pointers.
-BorderSizes borderSizes(Bytes32 w, Bytes32 h, Bytes32 n, KprDataType type, int channels) {
-    const Bytes32 m = h < n ? h : n;
-    const Bytes32 w8 = roundUp((w + n) * static_cast<Bytes32>(channels), 8);
-    if (type == kpr32f) {
-        return {n * 32 + 32, w8 * n * 4 + 32 + (m + n) * 4 * w8 + 64 + rowBytes32f(n, channels) + 32 +
-                                 columnBytes32f(n) + 32 + (m + n) * 8 + 32};
-    }
-    const Bytes32 stages = type == kpr8u    ? rowBytes8u16s(n, channels) + columnBytes16s(w, channels)
-                           : type == kpr16u ? rowBytes16u(n, channels) + columnBytes16u(w, n, channels)
-                                            : rowBytes16s(n, channels) + columnBytes16s(w, channels);
-    return {n * 16 + 36, 2 * (m + n) * w8 + 64 + 2 * (2 * (n / 2) * w8 + 16) + stages + 32 + 32 + (h + n) * 8 + 32};
 }
 
 // The value rounded half up, of which the low 16 bits are kept. What no integer holds becomes the least one, and 0.
@@ -133,10 +114,8 @@ KprStatus kpriFilterGaussianGetBufferSize_L(KprSizeL roiSize, int kernelSize, Kp
         firstFailure(notNull(bufferSize), roiHolds(roiSize), kernelSizeHolds(isGaussianSize(kernelSize)),
                      typeHolds(dataType), channelsHold(numChannels));
     if (status != kprStatusOk) return status;
-    const auto n = static_cast<Bits64>(kernelSize);
-    const Bits64 stride =
-        (static_cast<Bits64>(roiSize.width) * static_cast<Bits64>(numChannels) * 4 + 63) & ~Bits64{63};
-    *bufferSize = static_cast<Kpr64s>((n + 1) * stride + n * 12 + 64);
+    *bufferSize = static_cast<Kpr64s>(
+        largeBufferBytes(static_cast<Bits64>(roiSize.width) * static_cast<Bits64>(numChannels), kernelSize));
     return kprStatusOk;
 }
 

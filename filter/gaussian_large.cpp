@@ -93,27 +93,22 @@ struct Call {
 };
 
 // Behind the ring lie the strip of the row stage and, for the column stage, in the same place the window's pointers.
-template <int channels, int size, typename T>
-KprStatus smooth(const Call<T>& call, const Kpr32f* half, int kernelSize) {
+template <int channels, typename T>
+KprStatus smooth(const Call<T>& call, int kernelSize, RowStage<T, Kpr32f> across, ColumnStage<Kpr32f, T> down) {
     const Kpr64s width = channels * call.roi.width;
     const Kpr64s stride = (width + 15) & ~Kpr64s{15};
-    auto* const first = alignedUp<Kpr32f>(call.buffer, 64);
-    auto* const behind = first + kernelSize * stride;
+    Workspace left(call.buffer, static_cast<Kpr64s>(largeBufferBytes(static_cast<Bits64>(width), kernelSize)));
+    auto* const first = left.take<Kpr32f>(kernelSize * stride, 64);
+    auto* const behind = left.take<Kpr64s>(left.left<Kpr64s>());
     const int radius = kernelSize / 2;
     const Axis rows = rowsOf(call.roi.height, call.border);
     EdgedRows<T, channels, kLanes<Kpr32f>> edged(call.src, endOf(rows, radius), columnsOf(call.roi.width, call.border),
                                                  radius, radius, call.value, reinterpret_cast<T*>(behind));
-    const HalfTaps<T, size> rowTaps(half, kernelSize);
-    const HalfTaps<Kpr32f, size> columnTaps(half, kernelSize);
     walkRing(
         rows, radius, Ring<Kpr32f>{first, stride, reinterpret_cast<const Kpr32f**>(behind)},
-        [&](Kpr64s y, Kpr32f* out) {
-            for (const RowPart<T>& part : edged.row(y))
-                filterRow<Conversion::Nearest, channels>(rowTaps, part.src, out + part.x * channels,
-                                                         part.count * channels);
-        },
+        [&](Kpr64s y, Kpr32f* out) { across.template operator()<channels>(edged.row(y), out); },
         [&](Kpr32f* out) { fillPixels<channels>(out, call.roi.width, call.value); },
-        [&](const Kpr32f* const* window, Kpr64s y) { filterColumn(columnTaps, window, call.dst[y], width); });
+        [&](const Kpr32f* const* window, Kpr64s y) { down.filter(down.taps, window, call.dst[y], width); });
     return kprStatusOk;
 }
 
@@ -137,7 +132,12 @@ KprStatus smoothLarge(const T* src, Kpr64s srcStep, T* dst, Kpr64s dstStep, KprS
     if (!isGaussianSize(spec->kernelSize)) return kprStatusBadArg;
     const auto* const half = kernelAt<Kpr32f>(spec, kHeaderBytes, kLargeKernelAlignment);
     const Call<T> call = {{src, srcStep}, {dst, dstStep}, roi, border, value, buffer};
-    return withSize(spec->kernelSize, [&]<int size>() { return smooth<channels, size>(call, half, spec->kernelSize); });
+    return withSize(spec->kernelSize, [&]<int size>() {
+        const HalfTaps<T, size> across(half, spec->kernelSize);
+        const HalfTaps<Kpr32f, size> down(half, spec->kernelSize);
+        return smooth<channels>(call, spec->kernelSize, rowStageOf<channels, Kpr32f, Conversion::Nearest>(across),
+                                columnStageOf<T>(down));
+    });
 }
 
 }  // namespace

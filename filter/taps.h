@@ -37,8 +37,8 @@ KPR_INLINE auto withSize(int kernelSize, Run run) {
 
 enum class Conversion { Nearest, Truncate };
 
-// Integer taps, two and two as `sumPairs` takes them; what is left over stands beside a zero. `shrinks` says that the
-// divisor is known to be 2 or more: no product leaves 32 bits.
+// Integer taps in pairs, since one instruction multiplies and adds two pixels; the last of an odd number is paired with
+// a tap of zero. `shrinks` says that the divisor is known to be 2 or more, so that no scaled sum exceeds 2^30.
 template <typename Src, int size, bool shrinks = false>
 class IntegerTaps {
   public:
@@ -117,7 +117,8 @@ class IntegerTaps {
             return loadAs<Kpr16s>(src, part);
     }
 
-    // A product may reach 2^31, by a divisor of -1 or a sum that is rounded up: it stays where it converts.
+    // The sum times 1 / divisor as an integer. With a divisor of 1 or -1 the float may be 2^31, which the conversion
+    // would turn into -2^31: it is capped first, above what any destination holds.
     template <Conversion conversion>
     [[nodiscard]] KPR_INLINE Vec<Kpr32s> scaled(Vec<Kpr32s> sum) const {
         Vec<Kpr32f> value = toFloat(sum) * inverse_;
@@ -195,11 +196,10 @@ KPR_INLINE auto tapsOf(const Kpr32f* kernel, int kernelSize, int) {
 
 // Taps work on kGroup vectors at once, as long as there are so many: long kernels look up a tap once for all.
 //
-// dst[x] for `count` elements of a row whose tap i lies over src[x + i * spacing]. One copy serves all its callers:
-// what a call costs is nothing beside a row.
+// dst[x] for `count` elements of a row whose tap i lies over src[x + i * spacing].
 template <Conversion conversion, int spacing, typename Taps, typename Dst>
-[[gnu::noinline]] void filterRow(const Taps& shared, const typename Taps::Pixel* src, Dst* dst, Kpr64s count) {
-    const Taps taps = shared;  // a copy: what is not shared stays in registers
+[[gnu::noinline]] void filterRow(const void* shared, const typename Taps::Pixel* src, Dst* dst, Kpr64s count) {
+    const Taps taps = *static_cast<const Taps*>(shared);  // a copy: what is not shared stays in registers
     if constexpr (spacing == 1 && requires { taps.taps(); }) {
         if (taps.taps() % 2 != 0) {
             return walkStretches<Taps::kStep, Taps::kGroup>(count, [&]<int vectors>(auto part, Kpr64s x) {
@@ -213,29 +213,62 @@ template <Conversion conversion, int spacing, typename Taps, typename Dst>
     });
 }
 
-// The same for a part of a row. Bytes are truncated in the columns at the border, and their edges hold just these.
-template <int channels, typename Taps, typename Src, typename Dst>
-KPR_INLINE void filterRowPart(const Taps& taps, const RowPart<Src>& part, Dst* row) {
-    Dst* const dst = row + part.x * channels;
-    if (sizeof(Src) == 1 && part.atEdge)
-        filterRow<Conversion::Truncate, channels>(taps, part.src, dst, part.count * channels);
-    else
-        filterRow<Conversion::Nearest, channels>(taps, part.src, dst, part.count * channels);
-}
+// How columns at the border are converted, of bytes otherwise than all others.
+template <typename Src>
+inline constexpr Conversion kAtEdge = sizeof(Src) == 1 ? Conversion::Truncate : Conversion::Nearest;
 
-// The columns of a strip for it.
+// The columns of a strip: the edges of bytes hold just the columns at the border.
 template <typename Src>
 inline constexpr int kEdgeLanes = sizeof(Src) == 1 ? 1 : kLanes<Src>;
 
+// filterRow for a part of a row.
+template <int channels, typename Taps, typename Src, typename Dst>
+KPR_INLINE void filterRowPart(const Taps& taps, const RowPart<Src>& part, Dst* row) {
+    Dst* const dst = row + part.x * channels;
+    if (part.atEdge)
+        filterRow<kAtEdge<Src>, channels, Taps>(&taps, part.src, dst, part.count * channels);
+    else
+        filterRow<Conversion::Nearest, channels, Taps>(&taps, part.src, dst, part.count * channels);
+}
+
 // dst[x] for `count` elements, tap i over rows[i][x].
 template <typename Taps, typename Dst>
-[[gnu::noinline]] void filterColumn(const Taps& shared, const typename Taps::Pixel* const* rows, Dst* dst,
+[[gnu::noinline]] void filterColumn(const void* shared, const typename Taps::Pixel* const* rows, Dst* dst,
                                     Kpr64s count) {
-    const Taps taps = shared;
+    const Taps taps = *static_cast<const Taps*>(shared);
     walkStretches<Taps::kStep, Taps::kGroup>(count, [&]<int vectors>(auto part, Kpr64s x) {
         taps.template apply<vectors, Dst, Conversion::Nearest>(
             part, [&](int i) { return rows[i] + x; }, dst + x);
     });
+}
+
+// The two stages with their taps, called through pointers, so that one walk over rows serves all kinds of taps: what a
+// call costs is nothing beside a row.
+template <typename Src, typename Dst>
+struct RowStage {
+    const void* taps;
+    void (*filter)(const void* taps, const Src* src, Dst* dst, Kpr64s count);
+    void (*filterEdge)(const void* taps, const Src* src, Dst* dst, Kpr64s count);
+
+    template <int channels>
+    KPR_INLINE void operator()(const RowParts<Src>& parts, Dst* dst) const {
+        for (const RowPart<Src>& part : parts)
+            (part.atEdge ? filterEdge : filter)(taps, part.src, dst + part.x * channels, part.count * channels);
+    }
+};
+template <typename Src, typename Dst>
+struct ColumnStage {
+    const void* taps;
+    void (*filter)(const void* taps, const Src* const* rows, Dst* dst, Kpr64s count);
+};
+
+template <int channels, typename Dst, Conversion atEdge = Conversion::Nearest, typename Taps>
+RowStage<typename Taps::Pixel, Dst> rowStageOf(const Taps& taps) {
+    return {&taps, filterRow<Conversion::Nearest, channels, Taps, Dst>, filterRow<atEdge, channels, Taps, Dst>};
+}
+template <typename Dst, typename Taps>
+ColumnStage<typename Taps::Pixel, Dst> columnStageOf(const Taps& taps) {
+    return {&taps, filterColumn<Taps, Dst>};
 }
 
 }  // namespace n0::filter

@@ -1,10 +1,10 @@
-// Three taps k, 4096 + d - 2k, k of bytes, d being what rounding the taps left: -1, 0 or 1. With b the pixel in the
-// middle and x = a + c - 2b, of the two beside it,
+// Three taps k, 4096 + d - 2k, k on bytes. The taps of a Gaussian are rounded one by one and add up to 4096 + d, with d
+// -1, 0 or 1. For the pixel b in the middle and the pixels a and c beside it, with x = a + c - 2b,
 //
 //     (k * a + (4096 + d - 2k) * b + k * c) / 4096 = b + (k * x + d * b) / 4096
 //
-// so that one product in 16 bits, k * x / 4096 or what it leaves, tells the result. Pixels are taken as 32 even ones and
-// 32 odd ones.
+// The integer part of k * x / 4096 is one 16-bit multiplication, its remainder another. The even and the odd pixels of
+// 64 are worked on in 16-bit lanes of their own, so that a row needs no widening.
 #pragma once
 
 #include <cstdint>
@@ -50,8 +50,8 @@ KPR_INLINE Neighbours neighbours(Part part, const Kpr8u* src) {
     }
 }
 
-// No product is half way between two results: d is 0, and |k * x| / 4096 with |x| below 512 has a half only where k is a
-// multiple of 8. One product that rounds half up is the result.
+// Where d is 0 and k no multiple of 8: k * x / 4096 is then never half way between two integers, because |x| is below
+// 512 and a half needs k * x to be an odd multiple of 2048. A product that rounds halves up is all it takes.
 class TielessRounding {
   public:
     TielessRounding(int k, int /*d*/)
@@ -72,8 +72,8 @@ class TielessRounding {
     Vec<Kpr16s> nearest_, truncated_;
 };
 
-// All others: b + floor(k * x / 4096), and one more where the rest of that division and d * b are more than a half
-// together, or a half and the result is odd. The rest is 16 times itself in a lane.
+// All others: b + floor(k * x / 4096), and one more where the remainder of that division and d * b are more than 2048
+// together, or 2048 and that result is odd. The low halves of the products are 16 times the remainders.
 class EvenRounding {
   public:
     EvenRounding(int k, int d)
@@ -81,13 +81,15 @@ class EvenRounding {
 
     static bool serves(int /*k*/, int d) { return d >= -1 && d <= 1; }
 
-    // Pixels bear bit 15, of which 16 times a pixel knows nothing: the rest's sign is flipped by it below.
+    // Pixels are given bit 15, for the comparison in Parts. Times 16 it vanishes, differences of rows do not contain
+    // it, and only the low bytes of results are stored.
     KPR_INLINE static Vec<Kpr16s> entered(Vec<Kpr16s> b) { return b | signBit(); }
     KPR_INLINE Vec<Kpr16s> operator()(Vec<Kpr16s> x, Vec<Kpr16s> b, All, Bits64) const {
         const Parts parts(*this, x, b);
         return select<Kpr16s>(parts.up, parts.floor + broadcast<Kpr16s>(1), parts.floor);
     }
-    // Elsewhere than at `nearest`, one more or less where the rest and d * b leave the division's range.
+    // Columns outside `nearest` are truncated: one more where remainder and d * b reach 4096 together, one less where
+    // they are below 0.
     KPR_INLINE Vec<Kpr16s> operator()(Vec<Kpr16s> x, Vec<Kpr16s> b, Lanes nearest, Bits64 pixels) const {
         const auto lanes = static_cast<Mask<Kpr16s>>(gatherBits(nearest.bits, pixels));
         const Parts parts(*this, x, b);
@@ -108,7 +110,9 @@ class EvenRounding {
 
         KPR_INLINE Parts(const EvenRounding& by, Vec<Kpr16s> x, Vec<Kpr16s> b)
             : rest(x * by.times16_), floor(b + mulHigh(x, by.times16_)), less16db(b * by.less16d_) {
-            // As signed lanes, rest - 32768 > -16 * d * b, where an odd floor counts the 1 that the rest never has.
+            // remainder + d * b > 2048 as a comparison of signed lanes: rest - 32768 > -16 * d * b. Bit 0, which is
+            // free in rest, is that of the result, so that a tie counts as more where the result is odd; bit 15 of the
+            // result is set and so subtracts the 32768.
             constexpr int firstUnlessBoth = 0x78;  // a ^ (b & c)
             const Vec<Kpr16s> n = combine<firstUnlessBoth>(rest, floor, broadcast<Kpr16s>(INT16_MIN + 1));
             up = n0::less(less16db, n);
@@ -122,7 +126,6 @@ class EvenRounding {
 template <int channels, typename Rounding>
 class ThreeTaps {
   public:
-    static constexpr bool kWalks = true;
     static constexpr int kRadius = 1;
     using Row = EvenOdd;
 
@@ -152,12 +155,12 @@ class ThreeTaps {
     Rounding rounding_;
 };
 
-// k = 1024 and d = 0 or 1, the sums a + 2b + c of which d * b decides no more than the ties: all in bytes. With h the
-// mean of a and c rounded down, and e what that left, the sum is 2 * (h + b) + e, a tie where e is 0 and h + b odd.
+// The taps 1 2 1, which are k = 1024 with d 0 or, of most sigmas, 1: a + 2b + c in quarters, of which d * b decides the
+// ties alone. All in bytes: with h the mean of a and c rounded down, and e the bit that this dropped, the sum is
+// 2 * (h + b) + e, a tie where e is 0 and h + b is odd. Where d is 1 a tie is rounded up unless b is 0.
 template <int channels>
 class MeanTaps {
   public:
-    static constexpr bool kWalks = true;
     static constexpr int kRadius = 1;
     using Row = Vec<Kpr8u>;
 
@@ -185,7 +188,6 @@ class MeanTaps {
         const V h = average(a, c) - (left & one);
         const V up = average(h, b);
         constexpr int tie = 0x0f & (0xcc ^ 0xaa), all = 0x80;  // ~a & (b ^ c), a & b & c
-        // Of more than d = 0 says, a tie is one only under a pixel of 0.
         const V less = keep<Kpr8u>(~n0::less(lastTied_, b), combine<all>(combine<tie>(left, h, b), up, one));
         return up - merge(nearest, less, (h ^ b) & one);
     }

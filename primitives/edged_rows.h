@@ -9,7 +9,7 @@
 namespace n0 {
 
 // A part of a row that is filtered at one go: columns x to x + count - 1, `src` being the first pixel that column x
-// needs. At an edge pixels are read that the border rule has made.
+// needs. `atEdge` says that some of them are made by the base mode.
 template <typename T>
 struct RowPart {
     const T* src;
@@ -51,10 +51,11 @@ template <int pixelBytes>
 
 // Rows of an image that are filtered along, a result needing `before` pixels on its left and `after` on its right.
 //
-// Columns near a synthesised pixel are filtered from strips: copies of the row's ends with their border. The strips of
-// several rows are made at once: a vector that is loaded over pixels stored singly just before cannot be forwarded from
-// the store buffer, and waits until that is empty. Strips take whole groups of `lanes` columns, so that they cost no
-// extra step; with one lane they hold exactly the columns that read a synthesised pixel.
+// Columns that read a pixel of the base mode are filtered from strips: copies of the row's ends with their border. A
+// vector load that overlaps several recent stores cannot be forwarded from the store buffer, but waits until they have
+// reached the cache; the strips of several rows are therefore made at once, well before they are read. Strips take
+// whole groups of `lanes` columns, so that they cost no extra step; with one lane they hold exactly the columns that
+// read such a pixel.
 template <typename T, int channels, int lanes>
 class EdgedRows {
   public:

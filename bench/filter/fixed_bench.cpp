@@ -8,10 +8,10 @@ namespace {
 using bench::Image;
 
 template <typename Src, typename Dst, typename Function>
-auto filter(Function function, KprMaskSize mask) {
+auto filter(Function function, KprMaskSize mask, bool odd = false) {
     return [=](benchmark::State& state, KprSize size) {
-        const Image<Src> src(size);
-        const Image<Dst> dst(size);
+        const Image<Src> src(size, 1, odd ? Image<Src>::Odd : Image<Src>::Aligned);
+        const Image<Dst> dst(size, 1, odd ? Image<Dst>::Odd : Image<Dst>::Aligned);
         std::vector<Kpr8u> buffer(1 << 20);
         bench::measure(state, size, {sizeof(Src), sizeof(Dst)}, [&] {
             function(src.data(), src.step(), dst.data(), dst.step(), size, mask, kprBorderReplicate, Src{},
@@ -38,6 +38,10 @@ const bool registered = [] {
                    filter<Kpr8u, Kpr16s>(kpriFilterSobelHorizBorder_8u16s_C1R, mask));
         bench::add("FilterSobelVert_32f_C1R" + ending, filter<Kpr32f, Kpr32f>(kpriFilterSobelVertBorder_32f_C1R, mask));
     }
+    bench::add("FilterLowpass_8u_C1R/mask33/odd",
+               filter<Kpr8u, Kpr8u>(kpriFilterLowpassBorder_8u_C1R, kprMaskSize3x3, true));
+    bench::add("FilterLaplacian_8u16s_C1R/mask33/odd",
+               filter<Kpr8u, Kpr16s>(kpriFilterLaplacianBorder_8u16s_C1R, kprMaskSize3x3, true));
     bench::add("FilterScharrVert_8u16s_C1R/mask33",
                filter<Kpr8u, Kpr16s>(kpriFilterScharrVertMaskBorder_8u16s_C1R, kprMaskSize3x3));
     return true;

@@ -15,19 +15,29 @@ const std::vector<Kpr32f> floatTaps(integerTaps.begin(), integerTaps.end());
 
 template <typename Src, typename Dst, typename Function>
 auto rowStage(Function function, int kernelSize) {
+    constexpr bool threeChannels = !std::is_invocable_v<Function, const Src*, int, Dst* const*, KprSize, const Kpr16s*,
+                                                        int, int, KprBorderType, Src, int, Kpr8u*> &&
+                                   sizeof(Src) < 4;
+    constexpr int channels = threeChannels ? 3 : 1;
     return [=](benchmark::State& state, KprSize size) {
-        const Image<Src> src(size);
-        const Image<Dst> dst(size);
+        const Image<Src> src(size, channels);
+        const Image<Dst> dst(size, channels);
+        const auto value = [] {
+            if constexpr (threeChannels)
+                return static_cast<const Src*>(nullptr);
+            else
+                return Src{};
+        }();
         std::vector<Dst*> rows;
         for (int y = 0; y < size.height; ++y) rows.push_back(dst.data() + y * (dst.step() / int(sizeof(Dst))));
         std::vector<Kpr8u> buffer(1 << 16);
-        bench::measure(state, size, {sizeof(Src), sizeof(Dst)}, [&] {
+        bench::measure(state, size, {sizeof(Src) * channels, sizeof(Dst) * channels}, [&] {
             if constexpr (sizeof(Src) == 4)
                 function(src.data(), src.step(), rows.data(), size, floatTaps.data(), kernelSize, kernelSize / 2,
-                         kprBorderReplicate, Src{}, buffer.data());
+                         kprBorderReplicate, value, buffer.data());
             else
                 function(src.data(), src.step(), rows.data(), size, integerTaps.data(), kernelSize, kernelSize / 2,
-                         kprBorderReplicate, Src{}, 4096, buffer.data());
+                         kprBorderReplicate, value, 4096, buffer.data());
         });
     };
 }
@@ -56,6 +66,8 @@ const bool registered = [] {
         const std::string ending = "/taps" + std::to_string(taps);
         bench::add("FilterRow_8u16s_C1R" + ending,
                    rowStage<Kpr8u, Kpr16s>(kpriFilterRowBorderPipeline_8u16s_C1R, taps));
+        bench::add("FilterRow_8u16s_C3R" + ending,
+                   rowStage<Kpr8u, Kpr16s>(kpriFilterRowBorderPipeline_8u16s_C3R, taps));
         bench::add("FilterRow_16s_C1R" + ending, rowStage<Kpr16s, Kpr16s>(kpriFilterRowBorderPipeline_16s_C1R, taps));
         bench::add("FilterRow_16u_C1R" + ending, rowStage<Kpr16u, Kpr16u>(kpriFilterRowBorderPipeline_16u_C1R, taps));
         bench::add("FilterRow_32f_C1R" + ending, rowStage<Kpr32f, Kpr32f>(kpriFilterRowBorderPipeline_32f_C1R, taps));

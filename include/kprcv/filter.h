@@ -16,12 +16,15 @@ extern "C" {
  * left and right of the ROI are those of the border word: its base mode on a side whose flag is clear, real memory on
  * a side whose flag is set. The rows above and below take no part.
  *
- * 8u16s, 16s, 16u    The sum is exact in signed 32 bits, where it wraps; a 16u kernel whose taps add up to more than
- * 32768 can get there. It is rounded to float, multiplied by 1.0f / divisor, rounded to the nearest integer, ties to
- * even, and brought into the destination's range. 8u16s              In columns that read a synthesised pixel the
- * product is instead truncated toward zero, after it was brought into the range: up to xAnchor columns on the left and
- * kernelSize - 1 - xAnchor on the right, of a side whose flag is clear. 32f                kernel[0] * src is rounded,
- * each further tap is one fused step, in order. Low_16s            As 16s.
+ * 8u16s, 16s, 16u   The sum is exact in signed 32 bits, where it wraps; a 16u kernel whose taps add up to more than
+ *                   32768 can get there. It is rounded to float, multiplied by 1.0f / divisor, rounded to the nearest
+ *                   integer, ties to even, and brought into the destination's range.
+ * 8u16s             In columns that read a pixel of the base mode the product is truncated toward zero instead, and
+ *                   brought into the range: the first xAnchor columns and the last kernelSize - 1 - xAnchor, each on
+ *                   a side whose flag is clear.
+ * 32f               kernel[0] * src is rounded; each further tap is one fused step, in order. A NaN under any tap
+ *                   gives a NaN.
+ * Low_16s           The result of 16s.
  *
  * src           pixels; rows srcStep bytes apart
  * dst           roiSize.height row pointers, none null; each row takes roiSize.width pixels and may be any memory that
@@ -74,7 +77,8 @@ KprStatus kpriFilterRowBorderPipeline_32f_C3R(const Kpr32f* src, int srcStep, Kp
                                               const Kpr32f* kernel, int kernelSize, int xAnchor,
                                               KprBorderType borderType, const Kpr32f* borderValue, Kpr8u* buffer);
 
-/* The bytes of working memory that the row stage needs for a ROI and a kernel, stored to *bufferSize.
+/* The bytes of working memory that the row stage needs for a ROI and a kernel, stored to *bufferSize. They are computed
+ * in 32 bits, where they wrap: of a kernel of some 7 million taps and more (32f_C3R) they are of no use.
  *
  * Returns kprStatusOk, kprStatusNullPtr, or kprStatusBadSize for a width, height or kernelSize below 1. */
 KprStatus kpriFilterRowBorderPipelineGetBufferSize_8u16s_C1R(KprSize roiSize, int kernelSize, int* bufferSize);
@@ -131,7 +135,10 @@ KprStatus kpriFilterColumnPipeline_32f_C1R(const Kpr32f* const* src, Kpr32f* dst
 KprStatus kpriFilterColumnPipeline_32f_C3R(const Kpr32f* const* src, Kpr32f* dst, int dstStep, KprSize roiSize,
                                            const Kpr32f* kernel, int kernelSize, Kpr8u* buffer);
 
-/* The bytes of working memory that the column stage needs, as of the row stage. */
+/* The bytes of working memory that the column stage needs for a ROI and a kernel, stored to *bufferSize. They are
+ * computed in 32 bits, where they wrap: of rows of some 59 million pixels and more (C3R) they are of no use.
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, or kprStatusBadSize for a width, height or kernelSize below 1. */
 KprStatus kpriFilterColumnPipelineGetBufferSize_16s_C1R(KprSize roiSize, int kernelSize, int* bufferSize);
 KprStatus kpriFilterColumnPipelineGetBufferSize_16s_C3R(KprSize roiSize, int kernelSize, int* bufferSize);
 KprStatus kpriFilterColumnPipelineGetBufferSize_16s8s_C1R(KprSize roiSize, int kernelSize, int* bufferSize);
@@ -154,8 +161,8 @@ KprStatus kpriFilterColumnPipelineGetBufferSize_32f_C3R(KprSize roiSize, int ker
  *   kpriFilterGaussianBorder_...   32-bit sizes. Taps of integer images are integers (a tap of 1 counts 4096 for 8u and
  *                                  32768 for 16u and 16s, where a tap that reaches 32768 wraps to -32768), and the
  *                                  rows are rounded to integers between the two passes.
- *   kpriFilterGaussian_..._L       64-bit sizes. Taps and rows are floats; an integer image is rounded once, at the
- * end.
+ *   kpriFilterGaussian_..._L       64-bit sizes. Taps and rows are floats; an integer image is rounded once, in the
+ *                                  column pass.
  *
  * Their results differ by a level here and there on integer images, and in the last bits on float images. A block made
  * for one form must not be given to the other.
@@ -163,6 +170,9 @@ KprStatus kpriFilterColumnPipelineGetBufferSize_32f_C3R(KprSize roiSize, int ker
  * Use: ask for the sizes, allocate, initialise the block, then filter any number of images. The block is only read from
  * then on and may serve several threads; the buffer belongs to one call at a time and keeps nothing. Blocks start at a
  * multiple of 4 bytes, buffers anywhere.
+ *
+ * A block must stay where it was initialised: the kernel in it begins at a multiple of 16 bytes (large form: 64), so
+ * that the place depends on the block's address. A copy works only at an address that differs by such a multiple.
  *
  * kpriFilterGaussianGetBufferSize stores the bytes of the block and of the working buffer, the same buffer for
  * initialising and filtering.
@@ -173,28 +183,39 @@ KprStatus kpriFilterColumnPipelineGetBufferSize_32f_C3R(KprSize roiSize, int ker
  * numChannels   1 or 3
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadArg for kernelSize, kprStatusBadDataType,
- * kprStatusBadChannelCount, in this order. Sizes beyond 32 bits wrap. */
+ * kprStatusBadChannelCount, in this order. The sizes are computed in 32 bits, where they wrap: ask for no image whose
+ * buffer, about 12 * kernelSize bytes (8u, 16u, 16s: 6 * kernelSize) for each element of a row, exceeds 2 GB. */
 typedef struct KprFilterGaussianSpec KprFilterGaussianSpec;
 
 KprStatus kpriFilterGaussianGetBufferSize(KprSize roiSize, uint32_t kernelSize, KprDataType dataType, int numChannels,
                                           int* specSize, int* bufferSize);
 
-/* Computes the kernel into the block. What later calls filter must have this type and these channels, and use this
- * border; it is kprBorderConstant, kprBorderReplicate or kprBorderMirror with any flags, or kprBorderInMem.
+/* Computes the kernel into the block, for images of this type and with these channels.
  *
- * Returns as kpriFilterGaussianGetBufferSize (kprStatusNullPtr for spec and buffer), then kprStatusBadArg for a sigma
- * that is not above zero (a NaN too), then kprStatusBadBorder. */
+ * roiSize       pixels, at least 1 x 1; the largest image to be filtered
+ * kernelSize    odd, at least 3
+ * borderType    for all later calls: kprBorderConstant, kprBorderReplicate or kprBorderMirror with any flags, or
+ *               kprBorderInMem
+ * spec          the block, written
+ * buffer        the working buffer as sized
+ * sigma         pixels, above zero; an infinite one gives equal taps
+ *
+ * Returns kprStatusOk or the first failure: kprStatusNullPtr for spec or buffer, kprStatusBadSize, kprStatusBadArg for
+ * kernelSize, kprStatusBadDataType, kprStatusBadChannelCount, kprStatusBadArg for a sigma that is not above zero (a NaN
+ * too), kprStatusBadBorder. */
 KprStatus kpriFilterGaussianInit(KprSize roiSize, uint32_t kernelSize, KprBorderType borderType, KprDataType dataType,
                                  int numChannels, KprFilterGaussianSpec* spec, Kpr8u* buffer, Kpr32f sigma);
 
 /* Filters an image: the row stage, then the column stage (kpriFilterRowBorderPipeline, kpriFilterColumnPipeline) with
- * the block's kernel and the scale as divisor; an 8u image goes through 8u16s and 16s8u, others stay in their type.
+ * the block's kernel and its scale (4096 or 32768, 32f has none) as divisor; an 8u image goes through 8u16s and 16s8u,
+ * others stay in their type. An 8u row is truncated in the columns that read a pixel of the base mode, as in 8u16s.
  *
  * Pixels left and right of the ROI are those of the block's border word. Rows above and below are read and filtered
  * where the side's flag is set; elsewhere they are the filtered rows that the base mode names, and of kprBorderConstant
  * the value itself. On a side whose flag is set, kernelSize / 2 rows or columns of real memory are read.
  *
- * src, dst      pixels; must not overlap
+ * src, dst      pixels, rows srcStep and dstStep bytes apart; must not overlap
+ * roiSize       pixels; at least 1 x 1
  * borderValue   of kprBorderConstant; in the C3R forms three elements, one a channel, not read under other modes
  * spec, buffer  as initialised and sized for this type, these channels and at least this ROI
  *
@@ -220,15 +241,17 @@ KprStatus kpriFilterGaussianBorder_32f_C3R(const Kpr32f* src, int srcStep, Kpr32
 
 /* The large form. kpriFilterGaussianGetSpecSize_L stores the bytes of the block and of the initialisation's buffer,
  * kpriFilterGaussianGetBufferSize_L those of the working buffer (borderType makes no difference and is not checked).
+ * Parameters as kpriFilterGaussianGetBufferSize; buffers beyond 64 bits wrap.
  *
- * Parameters and statuses as kpriFilterGaussianGetBufferSize. */
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize (where there is a ROI), kprStatusBadArg for kernelSize,
+ * kprStatusBadDataType, kprStatusBadChannelCount, in this order. */
 KprStatus kpriFilterGaussianGetSpecSize_L(int kernelSize, KprDataType dataType, int numChannels, int64_t* specSize,
                                           int64_t* initBufferSize);
 KprStatus kpriFilterGaussianGetBufferSize_L(KprSizeL roiSize, int kernelSize, KprDataType dataType,
                                             KprBorderType borderType, int numChannels, int64_t* bufferSize);
 
 /* As kpriFilterGaussianInit, but that a NaN sigma is taken (all taps are then NaN), and that every border word up to
- * 255 with all four flags counts as kprBorderInMem. The block keeps neither ROI nor border for later calls. */
+ * 255 with all four flags counts as kprBorderInMem. Later calls bring their own ROI and border word. */
 KprStatus kpriFilterGaussianInit_L(KprSizeL roiSize, int kernelSize, KprBorderType borderType, KprDataType dataType,
                                    int numChannels, KprFilterGaussianSpec* spec, Kpr8u* buffer, Kpr32f sigma);
 
@@ -239,7 +262,11 @@ KprStatus kpriFilterGaussianInit_L(KprSizeL roiSize, int kernelSize, KprBorderTy
  * even, and saturated; 16s with five taps alone keeps the low 16 bits instead. Border pixels and rows as in
  * kpriFilterGaussianBorder.
  *
+ * src, dst      pixels, rows srcStep and dstStep bytes apart; must not overlap
+ * borderType    kprBorderConstant, kprBorderReplicate or kprBorderMirror with any flags, or kprBorderInMem, for which
+ *               every word up to 255 with all four flags counts
  * borderValue   one element a channel; may be null unless the base mode is kprBorderConstant
+ * spec          as initialised by kpriFilterGaussianInit_L for this type
  * buffer        sized for at least this ROI, this kernel and these channels
  *
  * Returns kprStatusOk or the first failure: kprStatusNullPtr, kprStatusBadStep, kprStatusBadSize,
@@ -299,7 +326,8 @@ KprStatus kpriFilterLaplacianBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr3
                                             KprMaskSize maskSize, KprBorderType borderType, Kpr32f borderValue,
                                             Kpr8u* buffer);
 
-/* The bytes of working memory, stored to *bufferSize, for one ROI or any smaller one.
+/* The bytes of working memory of the Laplacian, stored to *bufferSize, for a ROI of this width or a smaller one. They
+ * are computed in 32 bits, where they wrap: of rows of some 21 million pixels and more they are of no use.
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize or kprStatusBadMaskSize. */
 KprStatus kpriFilterLaplacianGetBufferSize_8u16s_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
@@ -320,14 +348,17 @@ KprStatus kpriFilterLowpassBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr32f
                                           KprMaskSize maskSize, KprBorderType borderType, Kpr32f borderValue,
                                           Kpr8u* buffer);
 
-/* As of the Laplacian. */
+/* The bytes of working memory of the low-pass average, stored to *bufferSize, for a ROI of this width or a smaller one.
+ * They are computed in 32 bits, where they wrap: of rows of some 21 million pixels and more they are of no use.
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize or kprStatusBadMaskSize. */
 KprStatus kpriFilterLowpassGetBufferSize_8u_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
 KprStatus kpriFilterLowpassGetBufferSize_32f_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
 
 /* The cross derivative, d2 / dx dy: the kernel 1 0 -1 (or 1 2 0 -2 -1) across and -1 0 1 (or -1 -2 0 2 1) down.
  *
- * 8u16s is exact; 32f adds the taps in order by fused steps, first across, then down. Zeros of the mask, parameters and
- * statuses as kpriFilterLaplacianBorder. */
+ * 8u16s is exact; 32f adds the taps in order by fused steps, first across, then down. What lies under a zero of the
+ * mask is not looked at: a NaN there stays unseen. Parameters and statuses as kpriFilterLaplacianBorder. */
 KprStatus kpriFilterSobelCrossBorder_8u16s_C1R(const Kpr8u* src, int srcStep, Kpr16s* dst, int dstStep, KprSize roiSize,
                                                KprMaskSize maskSize, KprBorderType borderType, Kpr8u borderValue,
                                                Kpr8u* buffer);
@@ -335,7 +366,10 @@ KprStatus kpriFilterSobelCrossBorder_32f_C1R(const Kpr32f* src, int srcStep, Kpr
                                              KprMaskSize maskSize, KprBorderType borderType, Kpr32f borderValue,
                                              Kpr8u* buffer);
 
-/* As of the Laplacian. */
+/* The bytes of working memory of the cross derivative, stored to *bufferSize, for a ROI of this width or a smaller one.
+ * They are computed in 32 bits, where they wrap: of rows of some 21 million pixels and more they are of no use.
+ *
+ * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize or kprStatusBadMaskSize. */
 KprStatus kpriFilterSobelCrossGetBufferSize_8u16s_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
 KprStatus kpriFilterSobelCrossGetBufferSize_32f_C1R(KprSize roiSize, KprMaskSize maskSize, int* bufferSize);
 

@@ -113,6 +113,18 @@ TEST(FilterFixed, NanUnderAZero) {
     EXPECT_EQ(dst[12] + dst[11] + dst[7], 0.0F);
 }
 
+TEST(FilterFixed, RowsFarApart) {
+    const auto check = [&]<typename Src, typename Dst>(auto function, KprMaskSize mask) {
+        test::checkRowsFarApart<Src, Dst>(70, [&](const Src* src, int srcStep, Dst* dst, int dstStep) {
+            std::vector<Kpr8u> buffer(1 << 16);
+            return function(src, srcStep, dst, dstStep, KprSize{70, 4}, mask, kprBorderMirror, Src{}, buffer.data());
+        });
+    };
+    check.operator()<Kpr8u, Kpr8u>(kpriFilterLowpassBorder_8u_C1R, 33);
+    check.operator()<Kpr8u, Kpr16s>(kpriFilterLaplacianBorder_8u16s_C1R, 55);
+    check.operator()<Kpr32f, Kpr32f>(kpriFilterSobelCrossBorder_32f_C1R, 33);
+}
+
 // Worked out by hand for a ROI of 20 x 9: rows of 32.
 TEST(FilterFixed, Sizes) {
     using Sizing = KprStatus (*)(KprSize, KprMaskSize, int*);

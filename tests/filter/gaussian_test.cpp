@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <future>
 #include <map>
 
 #include "tests/filter/ground.h"
@@ -82,7 +83,7 @@ template <typename T, int channels, typename Function>
 void checkBorderForm(Function function, KprSize roi, int kernelSize, KprBorderType word, float sigma, Random& random) {
     using Middle = std::conditional_t<sizeof(T) == 1, Kpr16s, T>;
     const int r = kernelSize / 2;
-    test::BorderedImage<T> src(roi, {r, r, r, r}, word, random, channels);
+    test::BorderedImage<T> src(roi, {r, r, r, r}, word, random, channels, random.oneIn(2));
     GuardedImage<T> dst(roi, random, channels);
     const Block block = borderBlock<T>(roi, kernelSize, word, channels, sigma);
     const auto before = std::pair(src.snapshot(), std::vector<char>(block.spec.data(), block.spec.data() + 20));
@@ -114,7 +115,7 @@ void checkBorderForm(Function function, KprSize roi, int kernelSize, KprBorderTy
         dst,
         [&](int x, int y, int c) {
             return reference::tapSum<T>(kernel.data(), kernelSize, kScale<T>, false, [&](int tap) -> Middle {
-                const auto from = reference::extendedY(y - r + tap, roi.height, word);
+                const auto from = test::rowOf(y - r + tap, roi.height, word);
                 return from ? rows(*from)[static_cast<std::size_t>(x * channels + c)] : Middle(src.value()[c]);
             });
         },
@@ -124,7 +125,7 @@ void checkBorderForm(Function function, KprSize roi, int kernelSize, KprBorderTy
 template <typename T, int channels, typename Function>
 void checkLargeForm(Function function, KprSize roi, int kernelSize, KprBorderType word, float sigma, Random& random) {
     const int r = kernelSize / 2;
-    test::BorderedImage<T> src(roi, {r, r, r, r}, word, random, channels);
+    test::BorderedImage<T> src(roi, {r, r, r, r}, word, random, channels, random.oneIn(2));
     GuardedImage<T> dst(roi, random, channels);
     const KprSizeL size = {roi.width, roi.height};
     const Block block = largeBlock<T>(size, kernelSize, word, channels, sigma);
@@ -143,7 +144,7 @@ void checkLargeForm(Function function, KprSize roi, int kernelSize, KprBorderTyp
         dst,
         [&](int x, int y, int c) {
             const float sum = reference::halfTapSum(half, [&](int tap) -> float {
-                const auto from = reference::extendedY(y - r + tap, roi.height, word);
+                const auto from = test::rowOf(y - r + tap, roi.height, word);
                 return from ? rows(*from)[static_cast<std::size_t>(x * channels + c)] : float(src.value()[c]);
             });
             return reference::largeResult<T>(sum, half.size());
@@ -163,6 +164,10 @@ void sweep(Check check) {
             check(roi, kernelSize, test::anyFilterWord(random), anySigma(random), random);
             if (testing::Test::HasFailure()) return;
         }
+    }
+    for (KprSize roi : test::photographSizes()) {
+        check(roi, random.oneIn(2) ? 3 : oddSize(random), test::anyFilterWord(random), anySigma(random), random);
+        if (testing::Test::HasFailure()) return;
     }
     for (KprBorderType word : test::filterWords()) {
         for (KprSize roi : {KprSize{1, 1}, {2, 3}, {5, 2}, {4, 9}, {random.range(1, 40), random.range(1, 40)}}) {
@@ -258,26 +263,169 @@ TEST(FilterGaussian, EverySigmaOfThreeTaps) {
     }
 }
 
+// Every triple of bytes whose outer ones matter by their sum: along the rows, and with all rows constant down the
+// columns. Taps k, 4096 + d - 2k, k of all kinds: odd ones and powers of two, sums beside 4096, 1 2 1.
+template <int channels, typename Function>
+void checkEveryTriple(Function function, int k, int d) {
+    const Kpr16s taps[3] = {static_cast<Kpr16s>(k), static_cast<Kpr16s>(4096 + d - 2 * k), static_cast<Kpr16s>(k)};
+    alignas(16) KprFilterGaussianSpec spec = {{3, 20, kpr8u, kprBorderMirror, 12}};
+    std::memcpy(reinterpret_cast<char*>(&spec) + 32, taps, sizeof taps);
+    const auto run = [&](KprSize roi, auto pixel) {
+        std::vector<Kpr8u> src, dst(static_cast<std::size_t>(roi.width * roi.height * channels));
+        for (int y = 0; y < roi.height; ++y) {
+            for (int x = 0; x < roi.width; ++x) src.insert(src.end(), channels, static_cast<Kpr8u>(pixel(x, y)));
+        }
+        std::vector<Kpr8u> buffer(1 << 20);
+        const int step = roi.width * channels;
+        const auto value = [] {
+            if constexpr (channels == 1)
+                return Kpr8u{0};
+            else
+                return static_cast<const Kpr8u*>(nullptr);
+        }();
+        ASSERT_EQ(function(src.data(), step, dst.data(), step, roi, value, &spec, buffer.data()), kprStatusOk);
+        const auto sum = [&](int a, int b, int c) { return taps[0] * a + taps[1] * b + taps[2] * c; };
+        const auto nearestEven = [](int s) { return (s + 2047 + ((s >> 12) & 1)) >> 12; };
+        const auto mirrored = [](int i, int n) { return i < 0 ? -i : i < n ? i : 2 * n - 2 - i; };
+        std::vector<int> rows;
+        for (int y = 0; y < roi.height; ++y) {
+            for (int x = 0; x < roi.width; ++x) {
+                const int s =
+                    sum(pixel(mirrored(x - 1, roi.width), y), pixel(x, y), pixel(mirrored(x + 1, roi.width), y));
+                rows.push_back(x == 0 || x == roi.width - 1 ? s >> 12 : nearestEven(s));
+            }
+        }
+        const auto row = [&](int x, int y) {
+            return rows[static_cast<std::size_t>(mirrored(y, roi.height) * roi.width + x)];
+        };
+        for (int y = 0; y < roi.height; ++y) {
+            for (int x = 0; x < roi.width; ++x) {
+                const int wanted = nearestEven(sum(row(x, y - 1), row(x, y), row(x, y + 1)));
+                for (int c = 0; c < channels; ++c) {
+                    const int got = dst[static_cast<std::size_t>((y * roi.width + x) * channels + c)];
+                    ASSERT_EQ(got, wanted) << "k " << k << ", d " << d << ", at " << x << ", " << y;
+                }
+            }
+        }
+    };
+    run({1024, 256}, [](int x, int y) { return x % 2 == 0 ? x / 4 : y; });
+    const int middles[] = {0, 1, 2, 97, 128, 255};
+    run({70, 6 * 1024}, [&](int, int y) { return y % 2 == 0 ? y % 1024 / 4 : middles[y / 1024]; });
+}
+TEST(FilterGaussian, EveryTripleOfBytes) {
+    for (int k : {0, 1, 8, 165, 511, 512, 979, 1000, 1024, 1025, 1307, 1365, 2047}) {
+        for (int d : {-1, 0, 1}) {
+            checkEveryTriple<1>(kpriFilterGaussianBorder_8u_C1R, k, d);
+            if (k % 512 == 0 || k == 979) checkEveryTriple<3>(kpriFilterGaussianBorder_8u_C3R, k, d);
+            if (HasFatalFailure()) return;
+        }
+    }
+}
+
+// Kernels that no sigma makes: two-sided and lopsided ones, sums far from 4096, a tap below zero.
+TEST(FilterGaussian, KernelsOfAnyKind) {
+    Random random;
+    const KprSize roi = {150, 9};
+    for (const std::vector<Kpr16s>& taps : {std::vector<Kpr16s>{1000, 2096, 1001},
+                                            {1024, 2100, 1024},
+                                            {500, 1000, 500},
+                                            {-100, 4296, -100},
+                                            {0, 4100, 0},
+                                            {100, 900, 2000, 900, 196},
+                                            {1, 2, 3, 4, 5, 6, 4096},
+                                            {4064, 0, 16, 0, 16, 0, 0, 0, 0}}) {
+        alignas(16)
+            KprFilterGaussianSpec spec = {{static_cast<Kpr32s>(taps.size()), 20, kpr8u, kprBorderReplicate, 12}};
+        std::memcpy(reinterpret_cast<char*>(&spec) + 32, taps.data(), taps.size() * 2);
+        const int size = static_cast<int>(taps.size()), r = size / 2;
+        test::BorderedImage<Kpr8u> src(roi, {r, r, r, r}, kprBorderReplicate, random);
+        GuardedImage<Kpr8u> dst(roi, random);
+        std::vector<Kpr8u> buffer(1 << 16);
+        ASSERT_EQ(kpriFilterGaussianBorder_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), roi, 0, &spec,
+                                                  buffer.data()),
+                  kprStatusOk);
+        auto rows = rowsMadeBy<Kpr16s>(roi.width, [&](int x, std::int64_t y) {
+            return reference::tapSum<Kpr16s>(taps.data(), size, 4096, x < r || x + r >= roi.width,
+                                             [&](int tap) { return src.inRow(x - r + tap, static_cast<int>(y), 0); });
+        });
+        test::expectImage(dst, [&](int x, int y, int) {
+            return reference::tapSum<Kpr8u>(taps.data(), size, 4096, false, [&](int tap) {
+                return rows(std::clamp(y - r + tap, 0, roi.height - 1))[static_cast<std::size_t>(x)];
+            });
+        });
+    }
+}
+
 TEST(FilterGaussian, BlocksHoldTheirKernels) {
     Random random;
     for (int kernelSize : {3, 5, 7, 31, 1531}) {
         const float sigma = anySigma(random);
-        const Block bytes = borderBlock<Kpr8u>({9, 9}, kernelSize, kprBorderMirror, 1, sigma);
-        EXPECT_EQ(std::vector<Kpr32s>(bytes.block()->words, bytes.block()->words + 5),
-                  (std::vector<Kpr32s>{kernelSize, 20, kpr8u, kprBorderMirror, 12}));
-        EXPECT_EQ(std::vector<Kpr16s>(bytes.kernel<Kpr16s>(16), bytes.kernel<Kpr16s>(16) + kernelSize),
-                  reference::integerGaussian(kernelSize, sigma, 4096));
+        const auto words = [](const Block& block) {
+            return std::vector<Kpr32s>(block.block()->words, block.block()->words + 5);
+        };
+        const auto integers = [&]<typename T>(KprBorderType word, int channels) {
+            const Block block = borderBlock<T>({9, 9}, kernelSize, word, channels, sigma);
+            EXPECT_EQ(words(block), (std::vector<Kpr32s>{kernelSize, 20, kTypeOf<T>, static_cast<Kpr32s>(word),
+                                                         sizeof(T) == 1 ? 12 : 15}));
+            const auto* taps = block.kernel<Kpr16s>(16);
+            EXPECT_EQ(std::vector<Kpr16s>(taps, taps + kernelSize),
+                      reference::integerGaussian(kernelSize, sigma, kScale<T>));
+        };
+        integers.operator()<Kpr8u>(kprBorderMirror, 1);
+        integers.operator()<Kpr16u>(kprBorderConstant | kprBorderInMemTop, 3);
+        integers.operator()<Kpr16s>(kprBorderInMem, 1);
 
         const Block floats = borderBlock<Kpr32f>({9, 9}, kernelSize, 240, 3, sigma);
+        EXPECT_EQ(std::vector<Kpr32s>(floats.block()->words, floats.block()->words + 4),
+                  (std::vector<Kpr32s>{kernelSize, 20, kpr32f, 240}));
         const auto taps = reference::gaussian(kernelSize, sigma);
         for (int i = 0; i < 8 * kernelSize; ++i) ASSERT_EQ(floats.kernel<float>(16)[i], taps[std::size_t(i / 8)]);
 
-        const Block large = largeBlock<Kpr16u>({9, 9}, kernelSize, 246, 1, sigma);
-        EXPECT_EQ(std::vector<Kpr32s>(large.block()->words, large.block()->words + 5),
-                  (std::vector<Kpr32s>{kernelSize, 64, kpr16u, 246, 0}));
-        EXPECT_EQ(std::vector<float>(large.kernel<float>(64), large.kernel<float>(64) + kernelSize / 2 + 1),
-                  reference::halfGaussian(kernelSize, sigma));
+        const auto large = [&]<typename T>(KprBorderType word, int channels) {
+            const Block block = largeBlock<T>({9, 9}, kernelSize, word, channels, sigma);
+            EXPECT_EQ(words(block), (std::vector<Kpr32s>{kernelSize, 64, kTypeOf<T>, static_cast<Kpr32s>(word), 0}));
+            const auto* half = block.kernel<float>(64);
+            EXPECT_EQ(std::vector<float>(half, half + kernelSize / 2 + 1), reference::halfGaussian(kernelSize, sigma));
+        };
+        large.operator()<Kpr8u>(kprBorderReplicate, 3);
+        large.operator()<Kpr16u>(246, 1);
+        large.operator()<Kpr16s>(255, 1);
+        large.operator()<Kpr32f>(kprBorderInMem, 3);
     }
+}
+
+// A block serves several calls at once, each with a buffer of its own.
+TEST(FilterGaussian, ThreadsShareABlock) {
+    Random random;
+    const KprSize roi = {333, 61};
+    GuardedImage<Kpr8u> src(roi, random);
+    src.fill(random);
+    const Block border = borderBlock<Kpr8u>(roi, 7, kprBorderMirror, 1, 1.4F);
+    const Block large = largeBlock<Kpr8u>({roi.width, roi.height}, 7, kprBorderMirror, 1, 1.4F);
+    const auto filtered = [&] {
+        std::vector<Kpr8u> dst(static_cast<std::size_t>(2 * roi.width * roi.height));
+        std::vector<Kpr8u> scratch(std::size_t{1} << 17);
+        const auto half = dst.size() / 2;
+        EXPECT_EQ(kpriFilterGaussianBorder_8u_C1R(src.data(), src.step(), dst.data(), roi.width, roi, 0, border.block(),
+                                                  scratch.data()),
+                  kprStatusOk);
+        EXPECT_EQ(
+            kpriFilterGaussian_8u_C1R_L(src.data(), src.step(), dst.data() + half, roi.width, {roi.width, roi.height},
+                                        kprBorderMirror, nullptr, large.block(), scratch.data()),
+            kprStatusOk);
+        return dst;
+    };
+    const auto expected = filtered();
+    std::vector<std::future<bool>> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.push_back(std::async(std::launch::async, [&] {
+            for (int round = 0; round < 20; ++round) {
+                if (filtered() != expected) return false;
+            }
+            return true;
+        }));
+    }
+    for (auto& thread : threads) EXPECT_TRUE(thread.get());
 }
 
 // Sizes worked out by hand: 9 taps on rows of 10 pixels.
@@ -291,6 +439,8 @@ TEST(FilterGaussian, Sizes) {
     EXPECT_EQ(border({10, 20}, kpr8u, 1), std::pair(180, 864 + 64 + 416 + 436 + 32 + 208 + 32 + 232 + 32));
     // m = 4, w8 = 64 of three channels: row stage 128*9 + 96, column stage 8*32 + 32*9 + 64.
     EXPECT_EQ(border({10, 4}, kpr16u, 3), std::pair(180, 1664 + 64 + 1056 + 1248 + 32 + 608 + 32 + 104 + 32));
+    // w8 = 64: row stage 40*9 + 96, column stage 36*12 + 64.
+    EXPECT_EQ(border({10, 4}, kpr16s, 3), std::pair(180, 1664 + 64 + 1056 + 456 + 32 + 496 + 32 + 104 + 32));
     EXPECT_EQ(border({10, 4}, kpr32f, 1), std::pair(320, 864 + 32 + 1248 + 64 + 960 + 32 + 320 + 32 + 104 + 32));
 
     std::int64_t spec = 0, init = 0, buffer = 0;
@@ -484,6 +634,8 @@ TEST(FilterGaussian, LargeFormWantsAConstant) {
     EXPECT_EQ(run(kprBorderConstant | 512, nullptr), kprStatusBadBorder);
     EXPECT_EQ(run(kprBorderConstant | kprBorderInMem, nullptr), kprStatusOk);
     EXPECT_EQ(run(kprBorderInMem | 5, nullptr), kprStatusOk);
+    EXPECT_EQ(run(255, nullptr), kprStatusOk);
+    EXPECT_EQ(run(256 | 240, nullptr), kprStatusBadBorder);
 }
 
 // Steps of which no 32-bit product knows, on memory that is only touched where there are pixels.
@@ -513,6 +665,18 @@ TEST(FilterGaussian, ImagesPastTwoGigabytes) {
     for (int y = 0; y < 4; ++y) EXPECT_EQ(std::memcmp(at(dst, y), expected.row(y), 80), 0) << "row " << y;
     munmap(src, bytes);
     munmap(dst, bytes);
+}
+
+TEST(FilterGaussian, BorderFormOfRowsFarApart) {
+    const KprSize roi = {70, 4};
+    const Block bytes = borderBlock<Kpr8u>(roi, 3, kprBorderMirror, 1, 0.849F);
+    const Block words = borderBlock<Kpr16u>(roi, 5, kprBorderMirror, 1, 1.0F);
+    test::checkRowsFarApart<Kpr8u, Kpr8u>(70, [&](const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep) {
+        return kpriFilterGaussianBorder_8u_C1R(src, srcStep, dst, dstStep, roi, 0, bytes.block(), bytes.scratch());
+    });
+    test::checkRowsFarApart<Kpr16u, Kpr16u>(70, [&](const Kpr16u* src, int srcStep, Kpr16u* dst, int dstStep) {
+        return kpriFilterGaussianBorder_16u_C1R(src, srcStep, dst, dstStep, roi, 0, words.block(), words.scratch());
+    });
 }
 
 // A range of addresses of which the first part stands on one small piece of memory over and over: what is written there

@@ -38,7 +38,7 @@ void checkRow(Function function, Sizing sizing, KprSize roi, KprBorderType word,
     const int divisor = std::is_floating_point_v<Src> ? 1 : anyDivisor(random);
     const int anchor = random.range(0, kernelSize - 1);
     const int after = kernelSize - 1 - anchor;
-    test::BorderedImage<Src> src(roi, {anchor, after, 0, 0}, word, random, channels);
+    test::BorderedImage<Src> src(roi, {anchor, after, 0, 0}, word, random, channels, random.oneIn(2));
     GuardedImage<Dst> dst(roi, random, channels);
     std::vector<Dst*> rows;
     for (int y = 0; y < roi.height; ++y) rows.push_back(dst.row(y));
@@ -88,6 +88,11 @@ void checkRows(Function function, Sizing sizing) {
             if (testing::Test::HasFailure()) return;
         }
     }
+    for (KprSize roi : test::photographSizes()) {
+        checkRow<Src, Dst, channels>(function, sizing, roi, test::anyFilterWord(random), 2 * random.range(1, 4) + 1,
+                                     random);
+        if (testing::Test::HasFailure()) return;
+    }
     for (KprBorderType word : test::filterWords()) {
         for (int width : {1, 2, 3, 4, 6, 11, 40}) {
             for (int kernelSize : {2, 3, 7, random.range(1, 31)}) {
@@ -102,8 +107,10 @@ template <typename Src, typename Dst, int channels, typename Function, typename 
 void checkColumns(Function function, Sizing sizing) {
     using Tap = std::conditional_t<std::is_floating_point_v<Src>, Kpr32f, Kpr16s>;
     Random random;
-    for (KprSize roi : test::awkwardSizes()) {
-        for (int kernelSize : {random.range(1, 4), 5, 7, random.range(6, 31)}) {
+    for (KprSize roi : test::allSizes()) {
+        const bool large = roi.width * roi.height > 4000;
+        for (int kernelSize :
+             large ? std::vector{random.range(2, 7)} : std::vector{random.range(1, 4), 5, 7, random.range(6, 31)}) {
             const auto kernel = anyKernel<Tap>(random, kernelSize);
             const auto kernelBytes = guardedCopy(kernel);
             const int divisor = std::is_floating_point_v<Src> ? 1 : anyDivisor(random);
@@ -190,6 +197,20 @@ TEST(FilterColumnStage, SignedWordsNarrow) {
 TEST(FilterColumnStage, Floats) {
     checkColumns<Kpr32f, Kpr32f, 1>(kpriFilterColumnPipeline_32f_C1R, kpriFilterColumnPipelineGetBufferSize_32f_C1R);
     checkColumns<Kpr32f, Kpr32f, 3>(kpriFilterColumnPipeline_32f_C3R, kpriFilterColumnPipelineGetBufferSize_32f_C3R);
+}
+
+TEST(FilterStages, RowsFarApart) {
+    const Kpr16s kernel[3] = {1, 2, 1};
+    Kpr8u buffer[4096];
+    test::checkRowsFarApart<Kpr16s, Kpr16s>(70, [&](const Kpr16s* src, int srcStep, Kpr16s* dst, int dstStep) {
+        std::vector<Kpr16s> middle(280);
+        Kpr16s* const out[4] = {middle.data(), middle.data() + 70, middle.data() + 140, middle.data() + 210};
+        const Kpr16s* const in[6] = {out[1], out[0], out[1], out[2], out[3], out[2]};
+        const KprStatus status = kpriFilterRowBorderPipeline_16s_C1R(src, srcStep, out, {70, 4}, kernel, 3, 1,
+                                                                     kprBorderReplicate, 0, 4, buffer);
+        if (status != kprStatusOk) return status;
+        return kpriFilterColumnPipeline_16s_C1R(in, dst, dstStep, {70, 4}, kernel, 3, 4, buffer);
+    });
 }
 
 // Values of the formulas, worked out by hand for a ROI 10 wide and 5 taps.

@@ -7,30 +7,10 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <optional>
 #include <type_traits>
 #include <vector>
 
 namespace reference {
-
-// Where pixel `i` of an axis of `n` is read from; nothing for the border value.
-inline std::optional<std::int64_t> extended(std::int64_t i, std::int64_t n, KprBorderType word, KprBorderType lowFlag,
-                                            KprBorderType highFlag) {
-    while (i < 0 || i >= n) {
-        if ((word & (i < 0 ? lowFlag : highFlag)) != 0) return i;
-        if ((word & 15) == kprBorderConstant) return std::nullopt;
-        if ((word & 15) == kprBorderReplicate) return std::clamp<std::int64_t>(i, 0, n - 1);
-        if (n == 1) return 0;
-        i = i < 0 ? -i : 2 * n - 2 - i;
-    }
-    return i;
-}
-inline std::optional<std::int64_t> extendedX(std::int64_t x, std::int64_t width, KprBorderType word) {
-    return extended(x, width, word, kprBorderInMemLeft, kprBorderInMemRight);
-}
-inline std::optional<std::int64_t> extendedY(std::int64_t y, std::int64_t height, KprBorderType word) {
-    return extended(y, height, word, kprBorderInMemTop, kprBorderInMemBottom);
-}
 
 template <typename T>
 T saturated(double value) {
