@@ -22,6 +22,7 @@ class InvalidOperands {
     InvalidOperands(const InvalidOperands&) = delete;
     InvalidOperands& operator=(const InvalidOperands&) = delete;
 
+    // NOLINTNEXTLINE(readability-convert-member-functions-to-static): there is nothing to be seen without a watch
     [[nodiscard]] bool seen() const {
         asm volatile("" ::: "memory");  // what was stored until here has been computed
         return (_mm_getcsr() & kSeen) != 0;
