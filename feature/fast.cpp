@@ -9,7 +9,6 @@
 
 #include "feature/fast_arc.h"
 #include "feature/fast_orientation.h"
-#include "primitives/bytes.h"
 #include "primitives/sizes.h"
 
 namespace n0::feature {
