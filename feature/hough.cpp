@@ -11,7 +11,7 @@
 // Sixteen angles vote at a time: their indices are a vector, their counters sixteen rows. Where edge points leave less
 // memory there are fewer rows, down to one angle at a time. Counters have 16 bits where there are too few points to
 // overflow them: the first cache then holds what neighbouring points vote for. Votes come tile by tile (hough_tiles.h);
-// one by one in tiny images, for windows, for resolutions finer than about 2/3 of a pixel and for more points than that.
+// one by one in tiny images, for windows, for resolutions below about 2/3 of a pixel and for more points than that.
 #include <algorithm>
 #include <bit>
 
