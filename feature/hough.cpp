@@ -310,5 +310,6 @@ KprStatus kpriHoughLine_Region_8u32f_C1R(const Kpr8u* src, int srcStep, KprSize 
                                          int threshold, Kpr8u* buffer) {
     return notNull(src, lines, dstRoi, lineCount, buffer)
                ?: searchHolds(srcStep, roiSize, delta, threshold, maxLineCount)
-               ?: findLinesIn(dstRoi, {src, srcStep}, roiSize, delta, threshold, lines, maxLineCount, lineCount, buffer);
+               ?: findLinesIn(dstRoi, {src, srcStep}, roiSize, delta, threshold, lines, maxLineCount, lineCount,
+                              buffer);
 }
