@@ -9,7 +9,6 @@
 
 #include "feature/fast_arc.h"
 #include "feature/fast_orientation.h"
-#include "primitives/bytes.h"
 #include "primitives/sizes.h"
 
 namespace n0::feature {
@@ -335,10 +334,12 @@ KprStatus kpriFastN2DToVec_8u(const Kpr8u* srcCorner, int srcCornerStep, const K
     FastBlock block;
     const int width = roiSize.width;
     const KprStatus status =
-        firstFailure(notNull(srcCorner, dstList, numCorners, spec), roiHolds(roiSize), failIf(maxLen < 0, kprStatusBadSize))
+        firstFailure(notNull(srcCorner, dstList, numCorners, spec), roiHolds(roiSize),
+                     failIf(maxLen < 0, kprStatusBadSize))
             ?: readBlock(spec, &block)
             ?: firstFailure(rowsFit<Kpr8u>(width, srcCornerStep),
-                            rowsFit<Kpr8u>(width, scores(block) ? srcScoreStep : kAnyStep), blockServes(block, srcScore));
+                            rowsFit<Kpr8u>(width, scores(block) ? srcScoreStep : kAnyStep),
+                            blockServes(block, srcScore));
     if (status != kprStatusOk) return status;
     *numCorners = listCorners({srcCorner, srcCornerStep}, {srcScore, srcScoreStep}, dstList, roiSize, maxLen, block);
     return kprStatusOk;

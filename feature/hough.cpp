@@ -10,7 +10,8 @@
 //
 // Sixteen angles vote at a time: their indices are a vector, their counters sixteen rows. Where edge points leave less
 // memory there are fewer rows, down to one angle at a time. Counters have 16 bits where there are too few points to
-// overflow them: the first cache then holds what neighbouring points vote for.
+// overflow them: the first cache then holds what neighbouring points vote for. Votes come tile by tile (hough_tiles.h);
+// one by one in tiny images, for windows, for resolutions below about 2/3 of a pixel and for more points than that.
 #include <algorithm>
 #include <bit>
 
@@ -309,5 +310,6 @@ KprStatus kpriHoughLine_Region_8u32f_C1R(const Kpr8u* src, int srcStep, KprSize 
                                          int threshold, Kpr8u* buffer) {
     return notNull(src, lines, dstRoi, lineCount, buffer)
                ?: searchHolds(srcStep, roiSize, delta, threshold, maxLineCount)
-               ?: findLinesIn(dstRoi, {src, srcStep}, roiSize, delta, threshold, lines, maxLineCount, lineCount, buffer);
+               ?: findLinesIn(dstRoi, {src, srcStep}, roiSize, delta, threshold, lines, maxLineCount, lineCount,
+                              buffer);
 }

@@ -127,8 +127,8 @@ class Votes {
     }
 
   private:
-    // visit(angle, at) for the counter of each angle at which the point has a line. Where counters are is found for many
-    // angles before the first is visited: what was just stored as a vector is slow to be read by the lane.
+    // visit(angle, at) for the counter of each angle at which the point has a line. Where counters are is found for
+    // many angles before the first is visited: what was just stored as a vector is slow to be read by the lane.
     template <typename Visit>
     KPR_INLINE void forAngles(Kpr64s x, Kpr64s y, Visit visit) const {
         alignas(64) Kpr32s at[kMostAngles];

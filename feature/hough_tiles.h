@@ -1,6 +1,6 @@
-// Votes of edge points, tile by tile of 8 x 8 pixels. The points of a tile vote for a few neighbouring lines of an angle
-// only: their votes are counted in the bits of a lane first, sixteen numbers of four bits, and come to the counters
-// together. Edges are long, so that a tile that has a point has several.
+// Votes of edge points, tile by tile of 8 x 8 pixels. The points of a tile vote for a few neighbouring lines of an
+// angle only: their votes are counted in the bits of a lane first, sixteen numbers of four bits, and come to the
+// counters together. Edges are long, so that a tile that has a point has several.
 #pragma once
 
 #include <algorithm>

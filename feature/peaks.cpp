@@ -159,7 +159,12 @@ class PeakSearch {
                 step(First{std::min<Kpr64s>(end, kStep)}, Edge{x, roi_.width}, row, x, y);
                 x += kStep;
             }
-            for (; x + kStep <= end && x + kStep < roi_.width; x += kStep) step(All{}, Inside{}, row, x, y);
+            const Kpr64s inside = std::min<Kpr64s>(end, roi_.width - 1);  // columns with a neighbour on the right
+            for (; x + kStretch <= inside; x += kStretch) {
+                if (!holdsMore(row + x, limit_)) continue;
+                for (int i = 0; i < kStretch; i += kStep) step(All{}, Inside{}, row, x + i, y);
+            }
+            for (; x + kStep <= inside; x += kStep) step(All{}, Inside{}, row, x, y);
             if (x < end) step(First{end - x}, Edge{x, roi_.width}, row, x, y);
         }
     }
@@ -169,6 +174,14 @@ class PeakSearch {
     // Below every peak: a peak is above a threshold.
     static constexpr T kNoNeighbour =
         std::is_floating_point_v<T> ? -std::numeric_limits<T>::infinity() : std::numeric_limits<T>::lowest();
+
+    // Whether a stretch of pixels has one above the limit: most have none, and are left at the speed of reading.
+    static constexpr int kStretch = 8 * kStep;
+    KPR_INLINE static bool holdsMore(const T* row, Vec<T> limit) {
+        unsigned more = 0;
+        takeTurns<8>([&](auto i) __attribute__((always_inline)) { more |= less(limit, load(row + i * kStep, All{})); });
+        return more != 0;
+    }
 
     // Which lanes of a step have a neighbour d columns on.
     struct Inside {

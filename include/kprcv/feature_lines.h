@@ -21,8 +21,9 @@ typedef struct KprLineSegment {
 
 /* The bytes of working memory for both forms of kpriHoughLine, stored to *result.
  *
- * Returns kprStatusOk; kprStatusSizeBeyond32Bit if the size does not fit: *result is then its low 32 bits, and no memory
- * serves; kprStatusNullPtr; kprStatusBadSize for the ROI; kprStatusBadArg for a resolution that is not above 0. */
+ * Returns kprStatusOk; kprStatusSizeBeyond32Bit if the size does not fit: *result is then its low 32 bits, and no
+ * memory serves; kprStatusNullPtr; kprStatusBadSize for the ROI; kprStatusBadArg for a resolution that is not above
+ * 0. */
 KprStatus kpriHoughLineGetSize_8u_C1R(KprSize roiSize, KprRhoTheta delta, int maxLineCount, int* result);
 
 /* Finds the lines on which more than `threshold` edge points lie.
@@ -30,9 +31,9 @@ KprStatus kpriHoughLineGetSize_8u_C1R(KprSize roiSize, KprRhoTheta delta, int ma
  *     lines         numRho = trunc((2 * (width + height) + 1) / delta.rho) distances for each of
  *                   numAngle = trunc(3.14159 / delta.theta) angles, the first of which is 0; the distance 0 has the
  *                   index offset = (numRho - 1) / 2
- *     votes         a point votes at each angle for the index ((x * cosine + y * sine + 512) >> 10) + offset, in 32 bits
- *                   that wrap, with the angle's cosine and sine times 1024 / delta.rho, truncated; angles are summed up
- *                   in single precision. There is no vote for an index that no line has
+ *     votes         a point votes at each angle for the index ((x * cosine + y * sine + 512) >> 10) + offset, in
+ *                   32 bits that wrap, with the angle's cosine and sine times 1024 / delta.rho, truncated; angles are
+ *                   summed up in single precision. There is no vote for an index that no line has
  *     a line        has more votes than `threshold`, than the next lower distance at its angle and than its own
  *                   distance at the angle before; and no fewer than the next higher distance, its own distance at the
  *                   angle behind, and the last line of a list that was full when its angle came
@@ -58,13 +59,14 @@ KprStatus kpriHoughLine_8u32f_C1R(const Kpr8u* src, int srcStep, KprSize roiSize
  * dstRoi    the window's lower and upper corner, both inside; what reaches beyond the first and last distance or angle
  *           is brought back to them and stored. A window between neighbouring lines, or beyond all, has none
  *
- * Returns what kpriHoughLine_8u32f_C1R returns, dstRoi not being null either; then kprStatusBadRange, with *lineCount 0,
- * if a lower bound is above the upper one, or one is a NaN. */
+ * Returns what kpriHoughLine_8u32f_C1R returns, dstRoi not being null either; then kprStatusBadRange, with *lineCount
+ * 0, if a lower bound is above the upper one, or one is a NaN. */
 KprStatus kpriHoughLine_Region_8u32f_C1R(const Kpr8u* src, int srcStep, KprSize roiSize, KprRhoTheta* lines,
                                          KprRhoTheta dstRoi[2], int maxLineCount, int* lineCount, KprRhoTheta delta,
                                          int threshold, Kpr8u* buffer);
 
-/* The block of kpriHoughProbLine_8u32f_C1R. It holds no address, may be copied to any, and is not written by the search. */
+/* The block of kpriHoughProbLine_8u32f_C1R. It holds no address, may be copied to any, and is not written by the
+ * search. */
 typedef struct KprHoughProbSpec KprHoughProbSpec;
 
 /* The bytes of block and working memory, stored to *specSize and *bufferSize.

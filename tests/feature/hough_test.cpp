@@ -116,6 +116,7 @@ TEST(HoughLine, ManyPoints) {
     Random random;
     checkLines({70000, 1}, {1, 30 * kDegree}, 100, 20, 1, random);
     checkLines({300, 260}, {1, 10 * kDegree}, 100, 20, 1, random);
+    checkLines({130, 97}, {3, 5 * kDegree}, 100, 40, 1, random);  // many in one tile for the same line
     checkLines({640, 3}, {0.01F, 10 * kDegree}, 100, 20, 1, random);
 }
 
@@ -196,7 +197,27 @@ TEST(HoughProbLine, Segments) {
     }
 }
 
-// From 32767 points on the list is one longer; and coordinates need more than 16 bits.
+// From 32767 points on the list is one longer.
+TEST(HoughProbLine, LengthOfTheList) {
+    const KprRhoTheta delta = {1, 45 * kDegree};
+    for (int width : {32766, 32767}) {
+        const std::vector<Kpr8u> row(width, 255);
+        int blockBytes = 0, bytes = 0, count = -1;
+        ASSERT_EQ(kpriHoughProbLineGetSize_8u_C1R({width, 1}, delta, &blockBytes, &bytes), kprStatusOk);
+        std::vector<Kpr8u> block(blockBytes), buffer(bytes);
+        auto* const spec = reinterpret_cast<KprHoughProbSpec*>(block.data());
+        ASSERT_EQ(kpriHoughProbLineInit_8u32f_C1R({width, 1}, delta, 9, spec), kprStatusOk);
+        for (int most : {0, 1, 3}) {  // each point by itself is a segment across the row
+            Room<KprLineSegment> lines(most == 0 ? 0 : most + (width == 32767 ? 1 : 0));
+            ASSERT_EQ(kpriHoughProbLine_8u32f_C1R(row.data(), width, {width, 1}, 1, 0, 0, lines.data(), most, &count,
+                                                  buffer.data(), spec),
+                      kprStatusOk);
+            EXPECT_EQ(count, most == 0 ? 0 : most + (width == 32767 ? 1 : 0));
+        }
+    }
+}
+
+// Coordinates of more than 16 bits, and many points.
 TEST(HoughProbLine, ManyPoints) {
     Random random;
     checkSegments({300, 260}, {1, 20 * kDegree}, 200, 3, 1, random);
