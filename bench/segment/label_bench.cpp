@@ -5,20 +5,16 @@
 #include <cstring>
 #include <vector>
 
-#include "bench/support/bench.h"
+#include "bench/segment/ground.h"
 
 namespace {
 
 using bench::Image;
 
-int hash(int x, int y) {
-    unsigned v = static_cast<unsigned>(x) * 374761393U + static_cast<unsigned>(y) * 668265263U;
-    v = (v ^ (v >> 13)) * 1274126177U;
-    return static_cast<int>((v ^ (v >> 16)) & 0xffff);
-}
+using bench::hashOf;
 
-bool inBlobs(int x, int y) { return std::sin(x / 9.0) * std::sin(y / 11.0) + hash(x, y) / 400000.0 > 0.3; }
-bool inNoise(int x, int y) { return hash(x, y) < 32768; }
+bool inBlobs(int x, int y) { return std::sin(x / 9.0) * std::sin(y / 11.0) + hashOf(x, y) / 400000.0 > 0.3; }
+bool inNoise(int x, int y) { return hashOf(x, y) < 32768; }
 
 template <typename T, typename Value, typename Call>
 void add(const std::string& name, Value value, int bytesPerPixel, Call call) {
@@ -57,8 +53,8 @@ const bool registered = [] {
     }
     const auto depth = [](int x, int y) {
         const int plane = (x / 160 * 3 + y / 120 * 5) % 7;
-        const bool wrong = hash(x / 2, y / 2) < 3000 || hash(x, y) < 1500;
-        return wrong ? hash(y, x) % 250 : 30 + plane * 20 + (x + y * plane) / 30;
+        const bool wrong = hashOf(x / 2, y / 2) < 3000 || hashOf(x, y) < 1500;
+        return wrong ? hashOf(y, x) % 250 : 30 + plane * 20 + (x + y * plane) / 30;
     };
     add<Kpr8u>("MarkSpeckles_8u_C1IR/depths", depth, 13, [](Kpr8u* image, int step, KprSize size, Kpr8u* buffer) {
         kpriMarkSpeckles_8u_C1IR(image, step, size, 0, 20, 2, 1, buffer);
@@ -67,7 +63,7 @@ const bool registered = [] {
         kpriMarkSpeckles_16s_C1IR(image, step, size, 0, 20, 2, 1, buffer);
     });
     add<Kpr8u>(
-        "MarkSpeckles_8u_C1IR/noise", [](int x, int y) { return hash(x, y); }, 13,
+        "MarkSpeckles_8u_C1IR/noise", [](int x, int y) { return hashOf(x, y); }, 13,
         [](Kpr8u* image, int step, KprSize size, Kpr8u* buffer) {
             kpriMarkSpeckles_8u_C1IR(image, step, size, 0, 20, 40, 1, buffer);
         });
