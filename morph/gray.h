@@ -84,7 +84,7 @@ template <typename T>
 constexpr Bytes grayBufferBytes(KprSize roi, KprSize mask) {
     // The anchor, which is not known yet, may lie at the mask's edge.
     return 2 * Bytes{mask.height} * grayStride(roi.width, mask.width) * Bytes{sizeof(T)} +
-           Bytes{mask.height} * Bytes{sizeof(void*)} + 2 * alignof(void*);
+           Bytes{mask.height} * Bytes{sizeof(void*)} + 2 * Bytes{alignof(void*)};
 }
 
 }  // namespace n0::morph

@@ -28,7 +28,7 @@ KprStatus boxExtremum(Rows<const Kpr8u> src, Rows<Kpr8u> dst, KprSize roi, Borde
     const Axis rows = rowsOf(roi.height, border, LonePixel::Reflects);
     const Kpr64s width = roi.width, height = mask.header->height;
     const Kpr32s columns = mask.header->width;
-    const Kpr8u** const pointers = work.take<const Kpr8u*>(height);
+    auto* const pointers = work.take<const Kpr8u*>(height);
     EdgedRows<Kpr8u, 1, step> edged(src, endOf(rows, mask.below()), columnsOf(width, border, LonePixel::Reflects),
                                     static_cast<int>(mask.left()), static_cast<int>(mask.right()), &value, nullptr);
     // One after another `count` vectors, each of a number that is known where it matters.
