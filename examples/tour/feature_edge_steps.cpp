@@ -148,7 +148,7 @@ void showThresholds(Tour& tour) {
         }
     };
     const float pairs[4][2] = {{20, 20}, {20, 200}, {80, 200}, {200, 200}};
-    const float levels[4] = {0.02F, 0.1F, 0.5F, 2.0F};
+    const float levels[4] = {0.1F, 0.5F, 2.0F, 6.0F};
     const Floats measure = measureOf(tour, part);
     for (int i = 0; i < 4; ++i) {
         put(edgesOf(tour, part, "edges", kprMaskSize3x3, kprNormL1, pairs[i][0], pairs[i][1]), i, 0);
@@ -160,7 +160,7 @@ void showThresholds(Tour& tour) {
     tour.show(
         "thresholds",
         "Above, edges with the thresholds 20 and 20, 20 and 200, 80 and 200, 200 and 200. Below, where the smaller "
-        "eigenvalue is above 0.02, 0.1, 0.5 and 2.",
+        "eigenvalue is above 0.1, 0.5, 2 and 6.",
         picture);
 }
 

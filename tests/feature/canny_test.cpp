@@ -200,14 +200,14 @@ TEST(Canny, DirectionsNextToTangents) {
         const int x = static_cast<int>(i % width) * 2, y = static_cast<int>(i / width) * 2;
         dx.at(x, y) = negative(a);
         dy.at(x, y) = negative(b);
-        dx.at(x + 1, y) = negative(32768);  // kills a level direction, and no other
+        dx.at(x + 1, y) = negative(std::min(a + b + 1, 32768));  // kills a level direction, and no other
     }
     for (const auto& form : integerForms()) check(form, dx, dy, {0, 0}, random);
     // Larger ones below kill upright directions instead.
     for (int y = 0; y + 1 < 2 * rows; y += 2) {
         for (int x = 0; x < 2 * width; x += 2) {
             dx.at(x + 1, y) = 0;
-            dy.at(x, y + 1) = negative(32768);
+            dy.at(x, y + 1) = static_cast<Kpr16s>(std::max(dx.at(x, y) + dy.at(x, y) - 1, -32768));
         }
     }
     for (const auto& form : integerForms()) check(form, dx, dy, {0, 0}, random);
@@ -233,6 +233,20 @@ TEST(Canny, ThresholdsThatAreNoNumbers) {
                          {20.5F, 20.5F}}) {
         for (const auto& form : integerForms()) check(form, dx, dy, t, random);
         for (const auto& form : floatForms()) check(form, fx, fy, t, random);
+    }
+}
+
+// Two derivatives of -32768: their sum is 65536 in one form and 65535 in the other.
+TEST(Canny, SumsBeyond16Bits) {
+    Random random;
+    GuardedImage<Kpr16s> dx({70, 5}, random), dy({70, 5}, random);
+    dx.forEach([](Kpr16s& pixel) { pixel = 0; });
+    dy.forEach([](Kpr16s& pixel) { pixel = 0; });
+    dx.at(40, 2) = dy.at(40, 2) = -32768;
+    dx.at(41, 3) = -32768;
+    dy.at(41, 3) = -32767;  // along the slanted direction of the first
+    for (float high : {65534.0F, 65535.0F, 65535.5F, 65536.0F}) {
+        for (const auto& form : integerForms()) check(form, dx, dy, {0, high}, random);
     }
 }
 
