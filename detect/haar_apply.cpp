@@ -68,9 +68,11 @@ struct Scattered {
     }
 };
 
-// Windows that wait for others, until there are sixteen.
-template <typename T, typename N>
+// Windows that wait for others, until there are sixteen, and how their rectangles are added.
+template <typename T, typename N, typename RectOrder>
 struct Waiting {
+    using Order = RectOrder;
+
     const T* first[2];  // where the first one lies in both tables
     int count = 0;
     Kpr32s index[2][16];  // elements from there on
@@ -126,7 +128,7 @@ class Stage {
                 const Row row{src.rows[y], tilt.rows[y], norm[y], mask[y]};
                 walkRow(row, x, std::min(end, body));
                 for (Kpr64s last = std::max(x, body); last < end; ++last) {
-                    if (row.mask[last] != 0) wait<InPairs>(last_, row, last);
+                    if (row.mask[last] != 0) wait(last_, row, last);
                 }
                 if (shared) evaluateWaiting();
             }
@@ -153,7 +155,7 @@ class Stage {
                 const Bits64 next16 = windows >> first & 0xffff, next32 = windows >> first & 0xffffffff;
                 const int in16 = std::popcount(next16), in32 = std::popcount(next32);
                 if (in16 < kClose && in32 < 2 * kClose) {
-                    wait<InOrder>(alone_, row, x + first);
+                    wait(alone_, row, x + first);
                     windows &= windows - 1;
                     continue;
                 }
@@ -198,22 +200,22 @@ class Stage {
         left_ += std::popcount(which & kept);
     }
 
-    template <typename Order>
-    void wait(Waiting<T, N>& list, const Row& row, Kpr64s x) {
-        if (list.count != 0 && !list.reaches(row.src + x, row.tilt + x)) evaluate<Order>(list);
+    template <typename List>
+    void wait(List& list, const Row& row, Kpr64s x) {
+        if (list.count != 0 && !list.reaches(row.src + x, row.tilt + x)) evaluate(list);
         list.add(row.src + x, row.tilt + x, row.norm[x], row.mask + x);
-        if (list.count == 16) evaluate<Order>(list);
+        if (list.count == 16) evaluate(list);
     }
 
     void evaluateWaiting() {
-        if (alone_.count != 0) evaluate<InOrder>(alone_);
-        if (last_.count != 0) evaluate<InPairs>(last_);
+        if (alone_.count != 0) evaluate(alone_);
+        if (last_.count != 0) evaluate(last_);
     }
 
-    template <typename Order>
-    [[gnu::noinline]] void evaluate(Waiting<T, N>& list) {
+    template <typename List>
+    [[gnu::noinline]] void evaluate(List& list) {
         list.fillUp();
-        const Bits64 keep = kept<Order>(
+        const Bits64 keep = kept<typename List::Order>(
             load(list.norm, All{}),
             Scattered<T>{{list.first[0], list.first[1]}, {load(list.index[0], All{}), load(list.index[1], All{})}});
         for (int i = 0; i < list.count; ++i) {
@@ -247,8 +249,8 @@ class Stage {
     Value threshold_;
     Kpr64s shift_;
     Kpr32s left_ = 0;
-    Waiting<T, N> alone_;
-    Waiting<T, N> last_;
+    Waiting<T, N, InOrder> alone_;
+    Waiting<T, N, InPairs> last_;
 };
 
 // ---- plain forms

@@ -247,7 +247,8 @@ void checkPlainFloats(Function function, Sums sums, bool pairsAtTheEnd) {
         Scene<T, Kpr32f> scene(Margin(meaningOf(stage, turns, false)), roi, random, random.oneIn(4));
         // Half of the time every sum of one window is at its threshold, where the last bit of a sum decides.
         if (random.oneIn(2)) {
-            const int x = random.range(0, roi.width - 1), y = random.range(0, roi.height - 1);
+            const int x = random.oneIn(2) ? roi.width - 1 : random.range(0, roi.width - 1);
+            const int y = random.range(0, roi.height - 1);
             scene.mask.at(x, y) = 1;
             scene.norm.at(x, y) = 1;
             const auto callers = meaningOf(stage, turns, false);
