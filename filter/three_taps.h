@@ -3,8 +3,7 @@
 //
 //     (k * a + (4096 + d - 2k) * b + k * c) / 4096 = b + (k * x + d * b) / 4096
 //
-// The integer part of k * x / 4096 is one 16-bit multiplication, its remainder another. The even and the odd pixels of
-// 64 are worked on in 16-bit lanes of their own, so that a row needs no widening.
+// The integer part of k * x / 4096 is one 16-bit multiplication, its remainder another.
 #pragma once
 
 #include <cstdint>
@@ -13,23 +12,35 @@
 
 namespace n0::filter {
 
-// 16-bit lanes of even and of odd columns.
-struct EvenOdd {
-    Vec<Kpr16s> even, odd;
+// 64 elements in 16-bit lanes: of one channel the even and the odd ones, so that two neighbours multiply at once; of
+// more those of the lower and of the upper half of each 16 bytes.
+struct Words {
+    Vec<Kpr16s> first, second;
 };
+template <int channels>
+inline constexpr Bits64 kFirst = channels == 1 ? 0x5555555555555555 : 0x00ff00ff00ff00ff;
 
-KPR_INLINE Vec<Kpr16s> evenBytes(Vec<Kpr8u> v) { return as<Kpr16s>(v) & broadcast<Kpr16s>(0xff); }
-KPR_INLINE Vec<Kpr16s> oddBytes(Vec<Kpr8u> v) { return as<Kpr16s>(shiftRight<8>(as<Kpr16u>(v))); }
+template <int channels>
+KPR_INLINE Words wordsOf(Vec<Kpr8u> v) {
+    if constexpr (channels == 1)
+        return {as<Kpr16s>(v) & broadcast<Kpr16s>(0xff), as<Kpr16s>(shiftRight<8>(as<Kpr16u>(v)))};
+    else
+        return {as<Kpr16s>(interleaveLower(v, zero<Kpr8u>())), as<Kpr16s>(interleaveUpper(v, zero<Kpr8u>()))};
+}
 
-// The low bytes of both in turn.
-KPR_INLINE Vec<Kpr8u> bytesOf(EvenOdd v) {
+// The low bytes of one channel; of more the words, which are bytes.
+template <int channels>
+KPR_INLINE Vec<Kpr8u> bytesOf(Words v) {
     constexpr int secondWhereFirst = 0xca;  // a ? b : c
-    return as<Kpr8u>(combine<secondWhereFirst>(broadcast<Kpr16s>(0xff), v.even, shiftLeft<8>(v.odd)));
+    if constexpr (channels == 1)
+        return as<Kpr8u>(combine<secondWhereFirst>(broadcast<Kpr16s>(0xff), v.first, shiftLeft<8>(v.second)));
+    else
+        return join(as<Kpr16u>(v.first), as<Kpr16u>(v.second));
 }
 
 // The pixels b of 64 results and the x of their neighbourhoods.
 struct Neighbours {
-    EvenOdd b, x;
+    Words b, x;
 };
 
 template <int channels, typename Part>
@@ -41,12 +52,13 @@ KPR_INLINE Neighbours neighbours(Part part, const Kpr8u* src) {
     const Vec<Kpr8u> c = loadOnce(src + Kpr64s{2} * channels, part);
     if constexpr (channels == 1) {
         // Byte 1 of a is the pixel in the middle of the even result 0, byte 0 of c that of the odd result 1.
-        const EvenOdd b = {oddBytes(a), evenBytes(c)};
-        return {b, {pairs(a, 1, -2) + b.odd, pairs(c, -2, 1) + b.even}};
+        const Words b = {wordsOf<1>(a).second, wordsOf<1>(c).first};
+        return {b, {pairs(a, 1, -2) + b.second, pairs(c, -2, 1) + b.first}};
     } else {
-        const Vec<Kpr8u> m = loadOnce(src + channels, part);
-        return {{evenBytes(m), oddBytes(m)},
-                {evenBytes(a) + evenBytes(c) + pairs(m, -2, 0), oddBytes(a) + oddBytes(c) + pairs(m, 0, -2)}};
+        const Words b = wordsOf<channels>(load(src + channels, part));
+        return {b,
+                {pairs(interleaveLower(a, c), 1, 1) - (b.first + b.first),
+                 pairs(interleaveUpper(a, c), 1, 1) - (b.second + b.second)}};
     }
 }
 
@@ -60,6 +72,7 @@ class TielessRounding {
     static bool serves(int k, int d) { return d == 0 && k % 8 != 0; }
 
     KPR_INLINE static Vec<Kpr16s> entered(Vec<Kpr16s> b) { return b; }
+    KPR_INLINE static Vec<Kpr16s> left(Vec<Kpr16s> result) { return result; }
     KPR_INLINE Vec<Kpr16s> operator()(Vec<Kpr16s> x, Vec<Kpr16s> b, All, Bits64) const {
         return b + mulRounded(x, nearest_);
     }
@@ -84,6 +97,7 @@ class EvenRounding {
     // Pixels are given bit 15, for the comparison in Parts. Times 16 it vanishes, differences of rows do not contain
     // it, and only the low bytes of results are stored.
     KPR_INLINE static Vec<Kpr16s> entered(Vec<Kpr16s> b) { return b | signBit(); }
+    KPR_INLINE static Vec<Kpr16s> left(Vec<Kpr16s> result) { return result & broadcast<Kpr16s>(0xff); }
     KPR_INLINE Vec<Kpr16s> operator()(Vec<Kpr16s> x, Vec<Kpr16s> b, All, Bits64) const {
         const Parts parts(*this, x, b);
         return select<Kpr16s>(parts.up, parts.floor + broadcast<Kpr16s>(1), parts.floor);
@@ -127,19 +141,19 @@ template <int channels, typename Rounding>
 class ThreeTaps {
   public:
     static constexpr int kRadius = 1;
-    using Row = EvenOdd;
+    using Row = Words;
 
     ThreeTaps(int k, int d) : rounding_(k, d) {}
 
     template <typename Part, typename Nearest>
     KPR_INLINE Row across(Part part, Nearest nearest, const Kpr8u* src) const {
         const auto [b, x] = neighbours<channels>(part, src);
-        return {rounding_(x.even, Rounding::entered(b.even), nearest, 0x5555555555555555),
-                rounding_(x.odd, Rounding::entered(b.odd), nearest, 0xaaaaaaaaaaaaaaaa)};
+        return {rounding_(x.first, Rounding::entered(b.first), nearest, kFirst<channels>),
+                rounding_(x.second, Rounding::entered(b.second), nearest, ~kFirst<channels>)};
     }
     KPR_INLINE Row outside(const Kpr8u* src) const {
-        const Vec<Kpr8u> v = load(src, All{});
-        return {Rounding::entered(evenBytes(v)), Rounding::entered(oddBytes(v))};
+        const Words b = wordsOf<channels>(load(src, All{}));
+        return {Rounding::entered(b.first), Rounding::entered(b.second)};
     }
     template <typename At>
     KPR_INLINE Vec<Kpr8u> down(At row) const {
@@ -147,8 +161,10 @@ class ThreeTaps {
         const auto x = [](Vec<Kpr16s> above, Vec<Kpr16s> here, Vec<Kpr16s> below) {
             return (above - here) + (below - here);
         };
-        return bytesOf({rounding_(x(a.even, b.even, c.even), b.even, All{}, 0),
-                        rounding_(x(a.odd, b.odd, c.odd), b.odd, All{}, 0)});
+        const Words result = {rounding_(x(a.first, b.first, c.first), b.first, All{}, 0),
+                              rounding_(x(a.second, b.second, c.second), b.second, All{}, 0)};
+        if constexpr (channels == 1) return bytesOf<1>(result);
+        return bytesOf<channels>({Rounding::left(result.first), Rounding::left(result.second)});
     }
 
   private:
