@@ -78,7 +78,7 @@ struct RootMeanSquare {
         return n0::squaresOfPixels(load(src, First{48}));
     }
     KPR_INLINE static Vec<Kpr32s> squaresOfPixels(const Kpr8u* src, First part) {
-        return n0::squaresOfPixels(load(src, First{3 * std::popcount(part.bits)}));
+        return n0::squaresOfPixels(load(src, First{Kpr64s{3} * std::popcount(part.bits)}));
     }
     static Vec<Kpr32s> ofIntegers(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) { return rootMeanSquares(a, b, c); }
     static Vec<Kpr32f> of(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {

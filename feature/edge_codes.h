@@ -108,7 +108,7 @@ struct Root {
             root = sqrt(sum);
             root = keep(less(broadcast(low), root), root);
         }
-        store(m + 16 * which, as<Kpr32s>(root), All{});
+        store(m + Kpr64s{16} * which, as<Kpr32s>(root), All{});
     }
     KPR_INLINE void put(Kpr32s* m, Vec<Kpr16s>, Vec<Kpr16s>, Vec<Kpr16u> adx, Vec<Kpr16u> ady) const {
         putHalf<0>(m, adx, ady);

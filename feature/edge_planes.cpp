@@ -18,7 +18,7 @@ class Chain {
     void push(Kpr64s word) {
         if (links_[word] != 0) return;
         links_[word] = top_;
-        top_ = static_cast<Link>(word + 2);
+        top_ = static_cast<Link>(word) + 2;
     }
     Kpr64s pop() {
         const auto word = static_cast<Kpr64s>(top_) - 2;
