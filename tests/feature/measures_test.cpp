@@ -129,8 +129,8 @@ void checkEigen(EigenCall<Src> function, bool vectors, KprSize roi, KprBorderTyp
     // Averages see the base mode on all sides, the reflection where all are in memory.
     const KprBorderType mode = (word & 240) == 240 ? KprBorderType{kprBorderMirror} : base;
     const auto at = [&](int x, int y) {
-        const auto u = reference::extended(x, roi.width, mode, 0, 0),
-                   v = reference::extended(y, roi.height, mode, 0, 0);
+        const auto u = reference::borderIndex(reference::borderOf(mode), x, roi.width),
+                   v = reference::borderIndex(reference::borderOf(mode), y, roi.height);
         const auto value = static_cast<float>(*src.value());
         return u && v ? products[static_cast<std::size_t>(*v * roi.width + *u)] : Tensor{value, value, value};
     };
@@ -216,8 +216,8 @@ void checkHarris(Function function, KprSize roi, KprBorderType word, int window,
     }
     const KprBorderType mode = (word & 15) == 0 ? KprBorderType{kprBorderConstant} : word & 15;
     const auto at = [&](int x, int y) {
-        const auto u = reference::extended(x + left, width, mode, 0, 0);
-        const auto v = reference::extended(y + top, height, mode, 0, 0);
+        const auto u = reference::borderIndex(reference::borderOf(mode), x + left, width);
+        const auto v = reference::borderIndex(reference::borderOf(mode), y + top, height);
         return u && v ? products[static_cast<std::size_t>(*v * width + *u)] : Tensor{0, 0, 0};
     };
     const double area = double{1} * window * window;

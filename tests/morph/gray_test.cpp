@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "tests/reference/border.h"
 #include "tests/reference/morph.h"
 #include "tests/support/guarded_image.h"
 #include "tests/support/ladder.h"
@@ -98,8 +99,10 @@ void checkOne(KprSize size, GetSize getSize, Init init, Process process, bool di
             for (int i = 0; i < mask.size.width; ++i) {
                 const auto height = mask.heights[static_cast<std::size_t>(j * mask.size.width + i)];
                 if (height == kNoTap<T>) continue;
-                const auto fromX = reference::borderIndex(base, x + i - mask.anchor.x, size.width, before, after);
-                const auto fromY = reference::borderIndex(base, y + j - mask.anchor.y, size.height, top, bottom);
+                const auto fromX =
+                    reference::borderIndex(reference::borderOf(base), x + i - mask.anchor.x, size.width, before, after);
+                const auto fromY =
+                    reference::borderIndex(reference::borderOf(base), y + j - mask.anchor.y, size.height, top, bottom);
                 if (base == kprBorderDefault && (!fromX || !fromY)) continue;
                 const Sum pixel = fromX && fromY ? src.at(left + *fromX, above + *fromY) : value;
                 const Sum sum = dilation ? pixel + static_cast<Sum>(height) : pixel - static_cast<Sum>(height);
