@@ -121,9 +121,8 @@ template <typename Rule, typename Src, typename Dst>
 void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Src value, typename Rule::Middle* ring,
                  Kpr64s plane) {
     using Middle = typename Rule::Middle;
-    walkFixed<Rule>(columns, rows, src, value, ring, plane, [&](const Middle* const* from, Kpr64s y) {
-        filterDown<Rule>(from, plane, dst[y], columns.size);
-    });
+    walkFixed<Rule>(columns, rows, src, value, ring, plane,
+                    [&](const Middle* const* from, Kpr64s y) { filterDown<Rule>(from, plane, dst[y], columns.size); });
 }
 
 }  // namespace n0::filter

@@ -108,7 +108,7 @@ KprStatus smoothIntegers(const Call<T>& call, const Kpr16s* kernel, int divisor)
                         return walkDown<channels>(call, ThreeTaps<channels, EvenRounding>(k, d));
                 }
             }
-            constexpr int known = size == 3 ? 0 : size;  // other kernels of three taps are made by no sigma
+            constexpr int anySize = 0, known = size == 3 ? anySize : size;  // others of three taps are made by no sigma
             BytePairs pairs;
             if (pairs.make(kernel, call.kernelSize, divisor)) {
                 const ByteTaps<channels, known> taps(pairs, call.kernelSize);

@@ -216,7 +216,7 @@ class Group {
             total_ = select(present, total_ + counted, total_);
             const Floats stored = select(hits, w, counted);
             store(weightAt(m), stored, part_ & Lanes{present});
-            if (hits != 0 && m > 0) moveUp(m, hits, [&](Floats above) { return atLeast(w, above); });
+            if (hits != 0 && m > 0) moveUp(m, hits, [&](Floats above) { return atMost(above, w); });
             matched_ = static_cast<Pixels>(matched_ | hits);
         }
     }
@@ -288,8 +288,8 @@ class Group {
                 const auto black = equal(denominator, zero<Kpr32f>());
                 open = static_cast<Pixels>(open & ~(here & black));
                 const auto darker =
-                    static_cast<Pixels>(here & ~black & atLeast(denominator, numerator) &
-                                        atLeast(numerator, broadcast(model_.shadowRatioMin) * denominator));
+                    static_cast<Pixels>(here & ~black & atMost(numerator, denominator) &
+                                        atMost(broadcast(model_.shadowRatioMin) * denominator, numerator));
                 if (darker == 0) return;
                 const Floats a = numerator / denominator;
                 const Floats e[] = {a * mode.colour[0] - x[0], a * mode.colour[1] - x[1], a * mode.colour[2] - x[2]};

@@ -41,6 +41,13 @@ KPR_INLINE Vec<T> operator|(Vec<T> a, Vec<T> b) {
     return vec<T>(_mm512_or_si512(bits(a), bits(b)));
 }
 
+// a + b, the nearest value of T's range.
+template <typename T>
+KPR_INLINE Vec<T> addSaturated(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return vec<T>(_mm512_adds_epu8(bits(a), bits(b)));
+    if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_adds_epu16(bits(a), bits(b)));
+}
+
 // a - b, of integers the nearest value of T's range.
 template <typename T>
 KPR_INLINE Vec<T> subtractSaturated(Vec<T> a, Vec<T> b) {

@@ -5,19 +5,6 @@
 
 namespace n0 {
 
-// a + b, the nearest value of T's range.
-KPR_INLINE Vec<Kpr8u> addSaturated(Vec<Kpr8u> a, Vec<Kpr8u> b) {
-    return vec<Kpr8u>(_mm512_adds_epu8(bits(a), bits(b)));
-}
-
-// Where a <= b: of floats, false where either is a NaN.
-template <typename T>
-KPR_INLINE Mask<T> atMost(Vec<T> a, Vec<T> b) {
-    if constexpr (std::is_same_v<T, Kpr32s>) return _mm512_cmple_epi32_mask(bits(a), bits(b));
-    if constexpr (std::is_same_v<T, unsigned>) return _mm512_cmple_epu32_mask(bits(a), bits(b));
-    if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_LE_OQ);
-}
-
 // Stores the lanes of the mask one behind another; how many they are.
 template <typename T>
 KPR_INLINE Kpr64s storePacked(T* dst, Vec<T> v, Mask<T> lanes) {

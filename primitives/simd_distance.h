@@ -66,12 +66,6 @@ KPR_INLINE Vec<Kpr32f> rootOf(Vec<Kpr32s> v) {
 
 // ---- bytes and words whose largest value stands for what is farther away
 
-template <typename T>
-KPR_INLINE Vec<T> addSaturated(Vec<T> a, Vec<T> b) {
-    if constexpr (std::is_same_v<T, Kpr8u>) return vec<T>(_mm512_adds_epu8(bits(a), bits(b)));
-    if constexpr (std::is_same_v<T, Kpr16u>) return vec<T>(_mm512_adds_epu16(bits(a), bits(b)));
-}
-
 // Which way lanes move: to higher columns or to lower ones.
 enum class Toward { Higher, Lower };
 

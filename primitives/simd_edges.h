@@ -10,11 +10,6 @@ namespace n0 {
 // The distance from zero, 32768 that of -32768.
 KPR_INLINE Vec<Kpr16u> magnitude(Vec<Kpr16s> v) { return vec<Kpr16u>(_mm512_abs_epi16(bits(v))); }
 
-// a + b, at most 65535.
-KPR_INLINE Vec<Kpr16u> addSaturated(Vec<Kpr16u> a, Vec<Kpr16u> b) {
-    return vec<Kpr16u>(_mm512_adds_epu16(bits(a), bits(b)));
-}
-
 // Where the sign bit is set.
 KPR_INLINE Mask<Kpr16s> signs(Vec<Kpr16s> v) { return _mm512_movepi16_mask(bits(v)); }
 

@@ -16,6 +16,17 @@ KPR_INLINE Mask<T> less(Vec<T> a, Vec<T> b) {
     if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_LT_OQ);
 }
 
+// Where a <= b: of floats, false where either is a NaN.
+template <typename T>
+KPR_INLINE Mask<T> atMost(Vec<T> a, Vec<T> b) {
+    if constexpr (std::is_same_v<T, Kpr8u>) return _mm512_cmple_epu8_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr16u>) return _mm512_cmple_epu16_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr16s>) return _mm512_cmple_epi16_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr32s>) return _mm512_cmple_epi32_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, unsigned>) return _mm512_cmple_epu32_mask(bits(a), bits(b));
+    if constexpr (std::is_same_v<T, Kpr32f>) return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_LE_OQ);
+}
+
 // Where a == b: of floats, false where either is a NaN.
 template <typename T>
 KPR_INLINE Mask<T> equal(Vec<T> a, Vec<T> b) {

@@ -52,9 +52,6 @@ KPR_INLINE Mask<Kpr32f> within(Vec<Kpr32f> v, Vec<Kpr32f> low, Vec<Kpr32f> high)
     return _mm512_mask_cmp_ps_mask(_mm512_cmp_ps_mask(ps(v), ps(low), _CMP_GE_OQ), ps(v), ps(high), _CMP_LE_OQ);
 }
 
-// Where a >= b; false where either is a NaN.
-KPR_INLINE Mask<Kpr32f> atLeast(Vec<Kpr32f> a, Vec<Kpr32f> b) { return _mm512_cmp_ps_mask(ps(a), ps(b), _CMP_GE_OQ); }
-
 // The lanes of three vectors in turn: out[0] has the first sixteen.
 template <typename T>
 KPR_INLINE void interleaveThree(Vec<T> a, Vec<T> b, Vec<T> c, Vec<T>* out) {

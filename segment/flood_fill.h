@@ -18,7 +18,7 @@ struct Equals {
 template <typename T>
 struct Within {
     Vec<T> low, high;
-    KPR_INLINE Mask<T> operator()(Vec<T> v) const { return static_cast<Mask<T>>(notAbove(low, v) & notAbove(v, high)); }
+    KPR_INLINE Mask<T> operator()(Vec<T> v) const { return static_cast<Mask<T>>(atMost(low, v) & atMost(v, high)); }
 };
 
 // `reach` is how far beside a span's ends the rows above and below it continue the region: 0 for 4 neighbours, 1 for 8.

@@ -75,9 +75,9 @@ class GradientFill {
     // Steps from r to p that are small enough.
     KPR_INLINE Bits64 small(Vec<T> p, Vec<T> r) const {
         if constexpr (std::is_integral_v<T>)
-            return P::joined(notAbove(subtractSaturated(p, r), upper_) & notAbove(subtractSaturated(r, p), lower_));
+            return P::joined(atMost(subtractSaturated(p, r), upper_) & atMost(subtractSaturated(r, p), lower_));
         else
-            return P::joined(notAbove(r - lower_, p) & notAbove(p, r + upper_));
+            return P::joined(atMost(r - lower_, p) & atMost(p, r + upper_));
     }
 
     // Pixels from column x of row y on that have not been reached, of `count`.

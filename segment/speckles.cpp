@@ -55,11 +55,11 @@ class Speckles {
     KPR_INLINE Bits64 others(Vec<T> v, Bits64 part) const { return ~Bits64{equal(v, value_)} & part; }
 
     KPR_INLINE Bits64 near(Vec<T> a, Vec<T> b) const {
-        if constexpr (std::is_floating_point_v<T>) return notAbove(abs(a - b), difference_);
-        if constexpr (std::is_unsigned_v<T>) return notAbove(absDiff(a, b), difference_);
+        if constexpr (std::is_floating_point_v<T>) return atMost(abs(a - b), difference_);
+        if constexpr (std::is_unsigned_v<T>) return atMost(absDiff(a, b), difference_);
         // A difference of 16-bit lanes is below 2^16.
         if constexpr (std::is_same_v<T, Kpr16s>)
-            return nothingJoins_ ? 0 : notAbove(as<Kpr16u>(absDiff(a, b)), as<Kpr16u>(difference_));
+            return nothingJoins_ ? 0 : atMost(as<Kpr16u>(absDiff(a, b)), as<Kpr16u>(difference_));
     }
 
     // Numbers the runs of a row, notes where each starts and gives how many there are.

@@ -16,9 +16,8 @@ class Tour {
     const Gray& photo() const { return photo_; }            // the photograph in gray
     const Image<Kpr8u>& colour() const { return colour_; }  // and in colour
     // One of the photographs that come with the library, for steps that want a scene of their own.
-    Gray example(const std::string& file) const { return readGray(photosDir_ + "/" + file); }
-    Image<Kpr8u> exampleInColour(const std::string& file) const { return readColour(photosDir_ + "/" + file); }
     Gray example(const std::string& file) const { return readGray(pathOf(file)); }
+    Image<Kpr8u> exampleInColour(const std::string& file) const { return readColour(pathOf(file)); }
     std::string pathOf(const std::string& file) const { return photosDir_ + "/" + file; }
 
     // A heading on the page, one for each family.

@@ -5,7 +5,7 @@
 #include <kprcv/feature_corners.h>
 #include <kprcv/feature_edges.h>
 #include <kprcv/feature_lines.h>
-#include <kprcv/feature_peaks.h>
 #include <kprcv/feature_measures.h>
+#include <kprcv/feature_peaks.h>
 
 #endif
