@@ -41,7 +41,7 @@ struct Call {
             return walk(FloatCells<Src>(weightsOf(wrappedFraction(dx), wrappedFraction(dy))));
         } else {
             return withCells<Src, Dst>(weightsOf(quantizedFraction(dx), quantizedFraction(dy)), scaleFactor,
-                                       [this](const auto& cells) { return walk(cells); });
+                                       [this](const auto& cells) { return this->walk(cells); });
         }
     }
 

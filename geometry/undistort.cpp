@@ -239,7 +239,7 @@ struct Call {
             Floats turns[3];
             interleaveThree(value[0], value[1], value[2], turns);
             eachOfThree(part, kLanesOfStep,
-                        [&](auto some, int k) { putElements(out + k * kLanesOfStep, turns[k], some); });
+                        [&](auto some, int k) { putElements(out + Kpr64s{kLanesOfStep} * k, turns[k], some); });
         }
     }
     KPR_INLINE static void putElements(T* out, Floats v, auto part) {

@@ -54,7 +54,7 @@ Bytes stateBytes(KprSize roi, int modes) {
 
 KprStatus makeState(KprSize roi, int modes, const KprFGMMModel& model, KprFGMMState* state) {
     const Kpr64s area = Kpr64s{roi.width} * roi.height;
-    const Kpr64s bytes = static_cast<Kpr64s>(stateBytes(roi, modes));
+    const auto bytes = static_cast<Kpr64s>(stateBytes(roi, modes));
     walkRow<kLanes<Kpr8u>>(
         bytes, [](auto part, Kpr8u* p) { store(p, zero<Kpr8u>(), part); }, reinterpret_cast<Kpr8u*>(state));
     Workspace memory(state, bytes);
@@ -153,14 +153,14 @@ class Group {
     [[nodiscard]] KPR_INLINE Mode meansOf(int array) const {
         const Kpr32f* const at = state_.means[array] + 4 * pixel_;
         FourOf pixels;
-        eachOfFour(part_, [&](auto part, int k) { pixels.v[k] = load(at + k * kLanes<Kpr32f>, part); });
+        eachOfFour(part_, [&](auto part, int k) { pixels.v[k] = load(at + Kpr64s{kLanes<Kpr32f>} * k, part); });
         const FourOf planes = transposed(pixels);
         return {{planes.v[0], planes.v[1], planes.v[2]}, planes.v[3]};
     }
     KPR_INLINE void putMeans(int array, const Mode& mode) const {
         Kpr32f* const at = state_.means[array] + 4 * pixel_;
         const FourOf pixels = interleaved({{mode.colour[0], mode.colour[1], mode.colour[2], mode.variance}});
-        eachOfFour(part_, [&](auto part, int k) { store(at + k * kLanes<Kpr32f>, pixels.v[k], part); });
+        eachOfFour(part_, [&](auto part, int k) { store(at + Kpr64s{kLanes<Kpr32f>} * k, pixels.v[k], part); });
     }
     KPR_INLINE static void blend(Mode& to, Pixels lanes, const Mode& from) {
         for (int c = 0; c < 3; ++c) to.colour[c] = select(lanes, from.colour[c], to.colour[c]);
@@ -355,8 +355,9 @@ KprStatus showBackground(Rows<Kpr8u> dst, KprSize roi, const Mixture& mixture) {
             Floats colour[3], turns[3];
             Group(mixture, {}, y * roi.width + x, part).background(colour);
             interleaveThree(colour[0], colour[1], colour[2], turns);
-            eachOfThree(part, kLanes<Kpr32f>,
-                        [&](auto some, int k) { storeAs(to + 3 * x + k * kLanes<Kpr32f>, toInteger(turns[k]), some); });
+            eachOfThree(part, kLanes<Kpr32f>, [&](auto some, int k) {
+                storeAs(to + 3 * x + Kpr64s{kLanes<Kpr32f>} * k, toInteger(turns[k]), some);
+            });
         });
     }
     return kprStatusOk;

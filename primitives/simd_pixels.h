@@ -1,6 +1,8 @@
 // Pixels of several channels taken apart and put together, pixels fetched from anywhere, and positions.
 #pragma once
 
+#include <algorithm>
+
 #include "primitives/simd.h"
 
 namespace n0 {
@@ -74,7 +76,7 @@ KPR_INLINE void eachOfThree(All part, int, auto put) {
 }
 KPR_INLINE void eachOfThree(First part, int lanes, auto put) {
     const Kpr64s elements = 3 * _mm_popcnt_u64(part.bits);
-    for (int k = 0; k < 3; ++k) put(First{elements > k * lanes ? elements - k * lanes : 0}, k);
+    for (int k = 0; k < 3; ++k) put(First{std::max(elements - Kpr64s{k} * lanes, Kpr64s{0})}, k);
 }
 
 // Sixteen pixels of three bytes, a channel in each of `out`.
@@ -127,7 +129,7 @@ KPR_INLINE void eachOfFour(All part, auto put) {
 }
 KPR_INLINE void eachOfFour(First part, auto put) {
     const Kpr64s elements = 4 * _mm_popcnt_u64(part.bits);
-    for (int k = 0; k < 4; ++k) put(First{elements > k * 16 ? elements - k * 16 : 0}, k);
+    for (int k = 0; k < 4; ++k) put(First{std::max(elements - Kpr64s{16} * k, Kpr64s{0})}, k);
 }
 
 }  // namespace n0

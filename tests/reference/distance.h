@@ -25,7 +25,7 @@ struct Field {
 
 // The nearest zero is sought along each column first, then among the columns.
 inline Field<float> exactDistance(const Field<Kpr8u>& image) {
-    const auto [width, height] = image.size;
+    const int width = image.size.width, height = image.size.height;
     Field<std::int64_t> column(image.size, -1);
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
@@ -54,7 +54,7 @@ inline Field<float> exactDistance(const Field<Kpr8u>& image) {
 template <typename T, typename Weight>
 Field<T> chamferDistance(const Field<Kpr8u>& image, int kernel, std::vector<Weight> weights) {
     using Sum = std::conditional_t<std::is_integral_v<T>, std::int64_t, float>;
-    const auto [width, height] = image.size;
+    const int width = image.size.width, height = image.size.height;
     if (width > 1 && height > 1) weights[0] = std::min(weights[0], weights[1]);
     struct Neighbour {
         int dx, dy;
@@ -189,7 +189,7 @@ class FastMarching {
 // Fills the pixels of the mask in the order of the distances. The sums run in sixteen lanes, by columns of the disc.
 inline Field<Kpr8u> inpaint(Field<Kpr8u> image, const Field<Kpr8u>& mask, const Field<float>& distance, float radius,
                             int method) {
-    const auto [width, height] = image.size;
+    const int width = image.size.width, height = image.size.height;
     Field<Kpr8u> unknown = mask;
     Field<int> gx(image.size), gy(image.size);
     const auto known = [&](int x, int y) { return image.holds(x, y) && unknown.at(x, y) == 0; };
