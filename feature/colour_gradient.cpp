@@ -25,8 +25,13 @@ struct Largest {
               part);
     }
     static Vec<Kpr16u> of(Vec<Kpr16u> a, Vec<Kpr16u> b, Vec<Kpr16u> c) { return max(max(a, b), c); }
+    // Magnitudes are in order as integers. A NaN of either kind is below all of them, and -1 is one.
     static Vec<Kpr32f> of(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
-        return larger(larger(abs(a), abs(b)), abs(c));
+        const auto magnitude = [](Vec<Kpr32f> v) {
+            const auto bits = as<Kpr32s>(abs(v)), infinity = broadcast<Kpr32s>(0x7f800000);
+            return select(less(infinity, bits), broadcast<Kpr32s>(-1), bits);
+        };
+        return as<Kpr32f>(max(max(magnitude(a), magnitude(b)), magnitude(c)));
     }
 };
 

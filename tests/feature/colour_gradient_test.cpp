@@ -11,7 +11,13 @@ template <typename T>
 T joined(T a, T b, T c, int norm) {
     if constexpr (std::is_floating_point_v<T>) {
         const float x = std::fabs(a), y = std::fabs(b), z = std::fabs(c);
-        if (norm == kprNormInf) return std::fmax(std::fmax(x, y), z);
+        if (norm == kprNormInf) {  // a number before a NaN, a signalling one too
+            float most = NAN;
+            for (float v : {x, y, z}) {
+                if (!std::isnan(v) && !(most >= v)) most = v;
+            }
+            return most;
+        }
         return norm == kprNormL1 ? (x + y + z) / 3.0F : std::sqrt(std::fma(c, c, std::fma(b, b, a * a)) / 3.0F);
     } else {
         const std::int64_t x = a, y = b, z = c, squares = x * x + y * y + z * z;
