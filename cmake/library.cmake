@@ -99,8 +99,8 @@ target_link_libraries(kprcv_objects PRIVATE kprcv_build_flags)
 if(KPRCV_SANITIZE)
     set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
     target_compile_options(kprcv_objects PRIVATE ${sanitizers} -fno-omit-frame-pointer)
-    # Filters leave out what is checked at every vector that is passed on, in minutes of compiling: scopes of temporaries,
-    # and pointers that are null or odd, which the address sanitizer or the processor stops at.
+    # Filters leave out what is checked at every vector that is passed on, in minutes of compiling: scopes of
+    # temporaries, and pointers that are null or odd, which the address sanitizer or the processor stops at.
     get_target_property(sources kprcv_objects SOURCES)
     list(FILTER sources INCLUDE REGEX "^filter/")
     set_source_files_properties(${sources} PROPERTIES

@@ -44,8 +44,8 @@ class Growth {
           row_(words + 1),
           height_(height) {}
 
-    // Looks at the words in their order, kAtOnce of them at a time. What grows there may reach words that were looked at
-    // before: these are chained. Others will be met.
+    // Looks at the words in their order, kAtOnce of them at a time. What grows there may reach words that were looked
+    // at before: these are chained. Others will be met.
     void run() {
         const Kpr64s end = height_ * row_ - 1;
         for (seen_ = 0; seen_ < end;) {

@@ -1,6 +1,6 @@
-// Structure tensors: sums of the products dx * dx, dy * dy and dx * dy of derivatives over the windows of an image, made
-// for strips of columns in one pass over the rows. A row of products lives until it is summed across; the sums across
-// live in a ring as long as a window looks at them.
+// Structure tensors: sums of the products dx * dx, dy * dy and dx * dy of derivatives over the windows of an image,
+// made for strips of columns in one pass over the rows. A row of products lives until it is summed across; the sums
+// across live in a ring as long as a window looks at them.
 //
 // Products are those of the plane: the ROI, or the ROI and what its windows find in memory beyond it. Beyond the plane
 // they are extended by the base mode, in both directions separately; they are not products of an extended image.

@@ -1,5 +1,5 @@
-// Bilinear weights of a fraction of a pixel, and kernels that weigh the four pixels of a cell. The first pixel of a cell
-// is the upper left one; names of pixels and weights give x first: 10 is to the right, 01 below.
+// Bilinear weights of a fraction of a pixel, and kernels that weigh the four pixels of a cell. The first pixel of a
+// cell is the upper left one; names of pixels and weights give x first: 10 is to the right, 01 below.
 //
 // Integers take weights of 14 bits:
 //

@@ -34,9 +34,10 @@ class BitSquare {
     }
 
   private:
-    // Where the source pixels of a byte of results begin: in three bytes from `byte` on (for lane 0), at pixel `pixel` of
-    // the first. That is `reach` pixels left of the byte's own first pixel; 8 + 2 * reach pixels are needed. Where the
-    // bytes of the source and of the destination hold the same columns, the middle one of the three is the byte's own.
+    // Where the source pixels of a byte of results begin: in three bytes from `byte` on (for lane 0), at pixel `pixel`
+    // of the first. That is `reach` pixels left of the byte's own first pixel; 8 + 2 * reach pixels are needed. Where
+    // the bytes of the source and of the destination hold the same columns, the middle one of the three is the byte's
+    // own.
     struct Place {
         Kpr64s byte;
         int pixel;

@@ -67,8 +67,8 @@ class BitWalk {
     }
 
   private:
-    // Rows are taken in several at a time: their lines follow one another and are worked on as one, and so much is stored
-    // in between that a load at another alignment does not have to wait for the store before it.
+    // Rows are taken in several at a time: their lines follow one another and are worked on as one, and so much is
+    // stored in between that a load at another alignment does not have to wait for the store before it.
     static constexpr Kpr64s kMostAtOnce = 24;
 
     // A line from `count` pixels on, a byte a lane.

@@ -1,5 +1,5 @@
-// The plans of dilation and erosion, and the choice between them: one engine over element type, channels and rule. It is
-// compiled once for each type and rule, by the sources named extremum_*.cpp.
+// The plans of dilation and erosion, and the choice between them: one engine over element type, channels and rule. It
+// is compiled once for each type and rule, by the sources named extremum_*.cpp.
 #pragma once
 
 #include "morph/extremum.h"

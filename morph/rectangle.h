@@ -59,8 +59,8 @@ void downColumns(const Job<T>& job, const Window& w, Kpr64s y, const Lines<T>& l
         });
 }
 
-// Completes the line of row y, in which the columns that lie in memory have been joined: those beside them get what lies
-// outside, and where a row of the window lies above or below a constant border, the constant is joined to all.
+// Completes the line of row y, in which the columns that lie in memory have been joined: those beside them get what
+// lies outside, and where a row of the window lies above or below a constant border, the constant is joined to all.
 template <typename Rule, typename T>
 KPR_INLINE void addBorder(const Job<T>& job, const Window& w, const Pattern<T>& pattern, Kpr64s y, T* line) {
     const int channels = job.channels;
@@ -76,8 +76,8 @@ KPR_INLINE void addBorder(const Job<T>& job, const Window& w, const Pattern<T>& 
     }
 }
 
-// Between lines, floats are not to be signalling NaN: lines grow as one long line, and one that was left in the caller's
-// buffer would be taken for a pixel's.
+// Between lines, floats are not to be signalling NaN: lines grow as one long line, and one that was left in the
+// caller's buffer would be taken for a pixel's.
 template <typename T>
 void clearGaps(const Lines<T>& lines, Kpr64s count, Kpr64s length) {
     if constexpr (std::is_floating_point_v<T>) {

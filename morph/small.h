@@ -10,8 +10,8 @@
 
 namespace n0::morph {
 
-// For both rows of a pair: element k is the join, column by column, of the source rows whose runs of taps reach at least
-// k pixels to either side. In a full square all runs reach as far, and one element serves for every k.
+// For both rows of a pair: element k is the join, column by column, of the source rows whose runs of taps reach at
+// least k pixels to either side. In a full square all runs reach as far, and one element serves for every k.
 template <typename T, int count>
 struct RowPair {
     Vec<T> upper[count], lower[count];

@@ -1,6 +1,6 @@
-// The foreground mixture model: each pixel keeps up to N modes, of a weight, a mean colour and one variance each, in the
-// order of falling weights. A frame's colour x updates a pixel's modes, with alpha the learning rate and c = alpha *
-// weightDecay:
+// The foreground mixture model: each pixel keeps up to N modes, of a weight, a mean colour and one variance each, in
+// the order of falling weights. A frame's colour x updates a pixel's modes, with alpha the learning rate and c = alpha
+// * weightDecay:
 //
 //     for each mode in order, while there are any
 //         w = fma(1 - alpha, w, -c)

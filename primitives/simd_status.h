@@ -13,8 +13,8 @@ KPR_INLINE Vec<T> quiet(Vec<T> v) {
 }
 
 // Whether an operation has met an operand that is not valid for it, since this began to watch: for larger() and
-// smaller() that is a signalling NaN. It costs nothing where none is met. While it watches nothing traps, and in the end
-// the caller's control and status word is what it was.
+// smaller() that is a signalling NaN. It costs nothing where none is met. While it watches nothing traps, and in the
+// end the caller's control and status word is what it was.
 class InvalidOperands {
   public:
     InvalidOperands() : before_(_mm_getcsr()) { set((before_ | _MM_MASK_MASK) & ~kSeen); }

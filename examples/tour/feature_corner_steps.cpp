@@ -1,5 +1,5 @@
-// Fast corners with their directions, candidates before and after line suppression, peaks of a measure, and the lines of
-// a pavement in both forms.
+// Fast corners with their directions, candidates before and after line suppression, peaks of a measure, and the lines
+// of a pavement in both forms.
 #include <array>
 #include <cmath>
 

@@ -49,15 +49,15 @@ KprStatus kpriCopySubpix_8u16u_C1R_Sfs(const Kpr8u* src, int srcStep, Kpr16u* ds
  * srcSize       pixels of the image; no others are read
  * dstSize       pixels of the patch, whose middle ((width - 1) / 2, (height - 1) / 2) comes to lie on `centre`
  * centre        pixels, x then y, from the middle of the image's first pixel. A NaN lies before the image.
- * pMin, pMax    out: the first and the last pixel of the patch of which all four neighbours lie in the image. Where pMax
- *               is less than pMin, none does.
+ * pMin, pMax    out: the first and the last pixel of the patch of which all four neighbours lie in the image. Where
+ *               pMax is less than pMin, none does.
  * src, dst      must not overlap
  *
  * In columns left and right of the inside a row takes the vertical mean of its two pixels at the image's edge; in rows
  * above and below, a column the horizontal mean likewise; in a corner, the image's own corner.
  *
- * Returns kprStatusOk, where the patch misses the image too; kprStatusNullPtr (any pointer), kprStatusBadSize (a side of
- * either below 1), kprStatusBadStep, kprStatusStepNotMultiple (16u, 32f). */
+ * Returns kprStatusOk, where the patch misses the image too; kprStatusNullPtr (any pointer), kprStatusBadSize (a side
+ * of either below 1), kprStatusBadStep, kprStatusStepNotMultiple (16u, 32f). */
 KprStatus kpriCopySubpixIntersect_8u_C1R(const Kpr8u* src, int srcStep, KprSize srcSize, Kpr8u* dst, int dstStep,
                                          KprSize dstSize, KprPoint32f centre, KprPoint* pMin, KprPoint* pMax);
 KprStatus kpriCopySubpixIntersect_16u_C1R(const Kpr16u* src, int srcStep, KprSize srcSize, Kpr16u* dst, int dstStep,
@@ -72,8 +72,8 @@ KprStatus kpriCopySubpixIntersect_8u16u_C1R_Sfs(const Kpr8u* src, int srcStep, K
                                                 int dstStep, KprSize dstSize, KprPoint32f centre, KprPoint* pMin,
                                                 KprPoint* pMax, int scaleFactor);
 
-/* Reads the pixels along a digital line, both ends included, into a buffer: max(|dx|, |dy|) + 1 pixels one after another.
- * The line goes along y where the two distances are equal.
+/* Reads the pixels along a digital line, both ends included, into a buffer: max(|dx|, |dy|) + 1 pixels one after
+ * another. The line goes along y where the two distances are equal.
  *
  * start, end    pixels inside roiSize
  * dst           room for the line's pixels; must not overlap the source
@@ -110,12 +110,12 @@ KprStatus kpriUndistortGetSize(KprSize roiSize, int* bufferSize);
  *
  * fx, fy        focal lengths in pixels, not 0
  * cx, cy        the principal point in pixels
- * k1, k2        radial coefficients; with both 0 the image comes back as it is, but for infinities, NaN and signs of zero
+ * k1, k2        radial coefficients; with both 0 the image comes back, but for infinities, NaN and signs of zero
  * src, dst      roiSize pixels each; must not overlap. Nothing outside is read.
  * buffer        of kpriUndistortGetSize
  *
- * Returns kprStatusOk, kprStatusNullPtr (buffer too), kprStatusBadSize (a side below 1 or above 2^24), kprStatusBadStep,
- * kprStatusStepNotMultiple (16u, 32f), kprStatusBadArg (fx or fy 0, or any parameter not finite). */
+ * Returns kprStatusOk, kprStatusNullPtr (buffer too), kprStatusBadSize (a side below 1 or above 2^24),
+ * kprStatusBadStep, kprStatusStepNotMultiple (16u, 32f), kprStatusBadArg (fx or fy 0, or any parameter not finite). */
 KprStatus kpriUndistortRadial_8u_C1R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize, Kpr32f fx,
                                      Kpr32f fy, Kpr32f cx, Kpr32f cy, Kpr32f k1, Kpr32f k2, Kpr8u* buffer);
 KprStatus kpriUndistortRadial_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, int dstStep, KprSize roiSize, Kpr32f fx,

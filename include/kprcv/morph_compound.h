@@ -196,8 +196,8 @@ KprStatus kpriMorphGradientBorder_32f_C4R(const Kpr32f* src, int srcStep, Kpr32f
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusSizeOverflow (a side beyond 0x7fffffff),
  * kprStatusBadDataType, kprStatusBadChannelCount; and last kprStatusSizeOverflow for a ROI that goes beyond 0x7fffffff
- * when twice the mask's reach is added on each side, or for a size beyond 64 bits. Nothing wraps, and nothing is written
- * where a status is returned. */
+ * when twice the mask's reach is added on each side, or for a size beyond 64 bits. Nothing wraps, and nothing is
+ * written where a status is returned. */
 KprStatus kpriMorphGetSpecSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s maskWidth, Kpr64s maskHeight,
                                  KprDataType dataType, int numChannels, Kpr64s* specSize);
 KprStatus kpriMorphGetBufferSize_L(Kpr64s roiWidth, Kpr64s roiHeight, Kpr64s maskWidth, Kpr64s maskHeight,

@@ -16,8 +16,8 @@ extern "C" {
  * front, so that a mask of width 2 covers columns x and x + 1 of a pixel at x.
  *
  * The mask is analysed once, into a state block of the caller's. The block holds pointers into itself: it must not be
- * moved or copied, but filled anew where it is to be. It is not written by processing calls and may be shared by several
- * at once, each with a work buffer of its own.
+ * moved or copied, but filled anew where it is to be. It is not written by processing calls and may be shared by
+ * several at once, each with a work buffer of its own.
  *
  * The order of calls: GetSize, allocation of the block and the work buffer, Init, then any number of processing calls
  * with a ROI no larger than the one given to GetSize, in neither direction. The block and the buffer may lie at any

@@ -27,8 +27,8 @@ KprStatus kpriUpdateMotionHistory_16u32f_C1IR(const Kpr16u* silhouette, int silh
 KprStatus kpriUpdateMotionHistory_32f_C1IR(const Kpr32f* silhouette, int silhouetteStep, Kpr32f* history,
                                            int historyStep, KprSize roiSize, Kpr32f timeStamp, Kpr32f duration);
 
-/* The foreground mixture model: tells what moves in a video of three 8-bit channels from its background. Each pixel keeps
- * up to maxModes modes, of a weight, a mean colour and a variance each, in the order of falling weights.
+/* The foreground mixture model: tells what moves in a video of three 8-bit channels from its background. Each pixel
+ * keeps up to maxModes modes, of a weight, a mean colour and a variance each, in the order of falling weights.
  *
  * The parameters have no defaults: every field counts. */
 typedef struct KprFGMMModel {
@@ -53,25 +53,25 @@ typedef struct KprFGMMState KprFGMMState;
  * (maxModes below 1), kprStatusSizeOverflow (a size beyond 2^31 - 1; nothing is written). */
 KprStatus kpriFGMMGetBufferSize_8u_C3R(KprSize roiSize, int maxModes, int* bufferSize);
 
-/* Fills a state, which may lie at any address: no frames, no modes. The model is copied; maxModes takes the place of its
- * modeCount. Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadArg (maxModes below 1). */
+/* Fills a state, which may lie at any address: no frames, no modes. The model is copied; maxModes takes the place of
+ * its modeCount. Returns kprStatusOk, kprStatusNullPtr, kprStatusBadSize, kprStatusBadArg (maxModes below 1). */
 KprStatus kpriFGMMInit_8u_C3R(KprSize roiSize, int maxModes, const KprFGMMModel* model, KprFGMMState* state);
 
 /* Takes a frame into the model and tells for each pixel: 0 background, model.shadowLabel shadow, 255 foreground.
  *
  * src, dst      three channels, and one; steps in bytes, which are trusted to hold their rows. They must not overlap.
  * roiSize       as at the initialisation
- * model         null, or parameters that replace the state's from this frame on. Where its modeCount is below the number
- *               of modes that a pixel has, the lightest are dropped.
+ * model         null, or parameters that replace the state's from this frame on. Where its modeCount is below the
+ *               number of modes that a pixel has, the lightest are dropped.
  * learningRate  alpha, from 0 to 1: how fast the model follows. A negative one, and the first frame always, take
  *               1 / min(2 * n, historyLength) at frame n.
  *
  * Each mode's weight w becomes fma(1 - alpha, w, -alpha * weightDecay). In the order of weights, the first mode with
  * dot(d, d) < matchFactor * v, d = mean - colour, takes the colour in: w += alpha, k = alpha / w, mean -= k * d,
- * v += k * (dot(d, d) - v). A mode whose weight falls below alpha * weightDecay is dropped; the weights then add up to 1.
- * A colour without a match makes a new mode, in place of the lightest where there is no room. A pixel is background, if
- * it is near enough to a mode before backgroundWeight is reached; shadow, if it is such a mode's colour times a factor
- * from shadowRatioMin to 1. Single precision, each operation rounded once.
+ * v += k * (dot(d, d) - v). A mode whose weight falls below alpha * weightDecay is dropped; the weights then add up to
+ * 1. A colour without a match makes a new mode, in place of the lightest where there is no room. A pixel is background,
+ * if it is near enough to a mode before backgroundWeight is reached; shadow, if it is such a mode's colour times a
+ * factor from shadowRatioMin to 1. Single precision, each operation rounded once.
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadStep (a step below 1), kprStatusBadSize, kprStatusBadArg
  * (model->modeCount below 1 or above the state's maximum: nothing changes). */

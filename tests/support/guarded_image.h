@@ -137,8 +137,8 @@ inline const std::vector<KprSize>& awkwardSizes() {
     return sizes;
 }
 
-// Sizes of photographs and their like, at which groups of rows end, rings come round, rows have more columns than a byte
-// counts and sums outgrow narrow lanes. For reduced rounds: the largest has 300000 pixels.
+// Sizes of photographs and their like, at which groups of rows end, rings come round, rows have more columns than a
+// byte counts and sums outgrow narrow lanes. For reduced rounds: the largest has 300000 pixels.
 inline const std::vector<KprSize>& photographSizes() {
     static const std::vector<KprSize> sizes = {{640, 1}, {256, 1},  {640, 3},  {1100, 7},
                                                {5, 300}, {67, 131}, {512, 66}, {641, 479}};
