@@ -1,8 +1,8 @@
-// The caller's memory in pieces: workspaces, and the stack and the queue that never leave theirs. Searches of a row.
+// The caller's memory in pieces: workspaces, and the stack that never leaves its own. Searches of a row.
 #include <gtest/gtest.h>
 
-#include <deque>
 #include <limits>
+#include <vector>
 
 #include "primitives/bounded.h"
 #include "primitives/rows.h"
@@ -34,48 +34,26 @@ TEST(Workspace, PiecesAreAlignedAndNeverMoreThanThereIs) {
     }
 }
 
-// The same pushes and pops of a container without bounds; `pop` takes from its end or from its front.
-template <template <typename> typename Bounded, typename Pop>
-void checkBounded(Pop pop) {
+// The same pushes and pops of a container without bounds.
+TEST(BoundedStack, GivesBackTheLast) {
     Random random;
     for (int capacity : {1, 2, 5, 64}) {
         test::GuardedBytes memory(sizeof(int) * static_cast<std::size_t>(capacity), test::Guard::After);
-        Bounded<int> bounded(reinterpret_cast<int*>(memory.data()), capacity);
-        std::deque<int> model;
-        bool refused = false;
+        n0::BoundedStack<int> bounded(reinterpret_cast<int*>(memory.data()), capacity);
+        std::vector<int> model;
         for (int step = 0; step < 2000; ++step) {
             if (random.range(0, 99) < (step / 100 % 2 == 0 ? 70 : 30)) {
                 const bool fits = static_cast<int>(model.size()) < capacity;
                 if (fits) model.push_back(step);
-                refused |= !fits;
                 ASSERT_EQ(bounded.push(step), fits);
             } else if (!model.empty()) {
-                ASSERT_EQ(bounded.pop(), pop(model));
+                ASSERT_EQ(bounded.pop(), model.back());
+                model.pop_back();
             }
             ASSERT_EQ(bounded.count(), static_cast<Kpr64s>(model.size()));
             ASSERT_EQ(bounded.empty(), model.empty());
-            if (random.oneIn(10)) {
-                ASSERT_EQ(bounded.takeRefused(), refused);
-                refused = false;
-            }
         }
     }
-}
-
-TEST(Bounded, StackGivesBackTheLast) {
-    checkBounded<n0::BoundedStack>([](std::deque<int>& model) {
-        const int last = model.back();
-        model.pop_back();
-        return last;
-    });
-}
-
-TEST(Bounded, QueueGivesBackTheFirst) {
-    checkBounded<n0::BoundedQueue>([](std::deque<int>& model) {
-        const int first = model.front();
-        model.pop_front();
-        return first;
-    });
 }
 
 // What lies in lanes beyond the row is zero, and must not be found.
