@@ -25,6 +25,7 @@
 #include <kprcv/geometry.h>
 #include <kprcv/morph.h>
 #include <kprcv/motion.h>
+#include <kprcv/pyramid.h>
 #include <kprcv/segment.h>
 #include <kprcv/stats.h>
 #include <kprcv/types.h>
