@@ -88,7 +88,9 @@ set_target_properties(kprcv_objects PROPERTIES POSITION_INDEPENDENT_CODE ON)
 add_library(kprcv_build_flags INTERFACE)
 target_compile_options(kprcv_build_flags INTERFACE
     -Wall -Wextra -Wshadow -Wconversion -Wno-sign-conversion $<$<BOOL:${KPRCV_WERROR}>:-Werror>
-    -march=x86-64-v4 -mprefer-vector-width=512
+    -march=${KPRCV_PROCESSOR}
+    # vectors of 64 bytes: whole, or in two halves, which are passed on in registers or not at all
+    $<IF:$<STREQUAL:${KPRCV_PROCESSOR},x86-64-v4>,-mprefer-vector-width=512,-Wno-psabi;-Wno-ignored-attributes>
     -ffp-contract=off              # a fused step is an explicit fma
     -fcf-protection=full -fstack-protector-strong -fvisibility=hidden -fno-plt
     $<$<COMPILE_LANGUAGE:CXX>:-ffreestanding -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-math-errno>
@@ -98,7 +100,9 @@ target_link_libraries(kprcv_objects PRIVATE kprcv_build_flags)
 
 if(KPRCV_SANITIZE)
     set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
-    target_compile_options(kprcv_objects PRIVATE ${sanitizers} -fno-omit-frame-pointer)
+    # Every operation on halves is a call or two where nothing is put inline: that takes ten times as long.
+    target_compile_options(kprcv_objects PRIVATE ${sanitizers} -fno-omit-frame-pointer
+        $<$<STREQUAL:${KPRCV_PROCESSOR},x86-64-v3>:-O1>)
     # Filters leave out what is checked at every vector that is passed on, in minutes of compiling: scopes of
     # temporaries, and pointers that are null or odd, which the address sanitizer or the processor stops at.
     get_target_property(sources kprcv_objects SOURCES)
@@ -117,7 +121,7 @@ else()
         -nostdlib
         LINKER:--version-script=${PROJECT_SOURCE_DIR}/frame/exports.map
         LINKER:-z,now,-z,relro,-z,noexecstack,-z,defs,-z,ibt,-z,shstk
-        LINKER:-z,x86-64-v4          # a lesser processor gets the loader's clear message
+        LINKER:-z,${KPRCV_PROCESSOR}  # a lesser processor gets the loader's clear message
         LINKER:--as-needed,--build-id)
     set_target_properties(kprcv PROPERTIES
         OUTPUT_NAME kprcvn0

@@ -7,6 +7,9 @@
 
 #include "primitives/workspace.h"
 
+#define KPR_INLINE [[gnu::always_inline]] inline
+
+#ifdef __AVX512BW__
 #pragma GCC diagnostic push
 #ifndef __clang__  // GCC 12 takes its own "undefined vector" idiom for a use of an uninitialised variable
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
@@ -14,8 +17,9 @@
 #endif
 #include <immintrin.h>
 #pragma GCC diagnostic pop
-
-#define KPR_INLINE [[gnu::always_inline]] inline
+#else
+#include "primitives/simd_halves.h"
+#endif
 
 namespace n0 {
 
@@ -127,7 +131,9 @@ KPR_INLINE Vec<T> load(const T* src, Lanes part, Vec<T> others) {
 template <typename T, typename Part>
 KPR_INLINE Vec<T> loadOnce(const T* src, Part part) {
     Vec<T> v = load(src, part);
+#ifdef __AVX512BW__
     asm("" : "+v"(v.raw));
+#endif
     return v;
 }
 

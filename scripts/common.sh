@@ -25,15 +25,24 @@ need() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"
 }
 
-# The library is one instruction set's; on a lesser processor the loader would refuse it.
-need_processor() {
+# The processor that is built for: with vectors of 64 bytes, or for want of them with two of 32 in place of each. On a
+# lesser one the loader would refuse the library.
+has() {
     local flag
-    for flag in avx512f avx512cd avx512bw avx512dq avx512vl; do
-        if ! grep -qw "$flag" /proc/cpuinfo; then
-            echo "This processor lacks $flag; the library needs AVX-512 F, CD, BW, DQ and VL (x86-64-v4)." >&2
-            exit 1
-        fi
+    for flag in "$@"; do
+        if ! grep -qw "$flag" /proc/cpuinfo; then return 1; fi
     done
+}
+need_processor() {
+    if has avx512f avx512cd avx512bw avx512dq avx512vl; then
+        processor=x86-64-v4
+    elif has avx2 bmi1 bmi2 f16c fma abm movbe; then
+        processor=x86-64-v3
+        say "This processor lacks AVX-512: the library is built for x86-64-v3, which is slower"
+    else
+        echo "This processor lacks AVX2 or FMA; the library needs x86-64-v3, and is made for x86-64-v4." >&2
+        exit 1
+    fi
 }
 
 # build PRESET [TARGET...]: configures and builds, quiet unless something fails.
@@ -42,7 +51,7 @@ build() {
     shift
     mkdir -p build
     log=build/$preset.log
-    if ! { cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
+    if ! { cmake --preset "$preset" -DKPRCV_PROCESSOR="$processor" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
         grep -vE '^\[[0-9]+/[0-9]+\] (Building|Linking)' "$log" >&2
         echo "The $preset build failed; the whole log is $log." >&2
         exit 1
