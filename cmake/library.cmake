@@ -67,6 +67,9 @@ add_library(kprcv_objects OBJECT
     primitives/sort.cpp
     primitives/threshold.cpp
     primitives/vector_math.cpp
+    pyramid/layer_state.cpp
+    pyramid/layers.cpp
+    pyramid/levels.cpp
     segment/bounds.cpp
     segment/colour_steps.cpp
     segment/flood_fill.cpp

@@ -94,6 +94,12 @@ KPR_INLINE void storeLow(Kpr16s* dst, Vec<Kpr32s> v, Part part) {
     storeNarrow<kLanes<Kpr32s>>(dst, _mm512_cvtepi32_epi16(bits(v)), part);
 }
 
+// The low 8 bits of each lane.
+template <typename Part>
+KPR_INLINE void storeLow(Kpr8u* dst, Vec<Kpr16u> v, Part part) {
+    storeNarrow<kLanes<Kpr16u>>(dst, _mm512_cvtepi16_epi8(bits(v)), part);
+}
+
 // kLanes<From> elements, each the nearest value of To's range: From is signed.
 template <typename To, typename From, typename Part>
 KPR_INLINE void storeAs(To* dst, Vec<From> v, Part part) {

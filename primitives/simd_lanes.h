@@ -92,6 +92,9 @@ KPR_INLINE Vec<T> laneConstant(Rule) {
 KPR_INLINE Vec<Kpr32s> permute(Vec<Kpr32s> a, Vec<Kpr32s> b, Vec<Kpr32s> from) {
     return vec<Kpr32s>(_mm512_permutex2var_epi32(bits(a), bits(from), bits(b)));
 }
+KPR_INLINE Vec<Kpr16u> permute(Vec<Kpr16u> a, Vec<Kpr16u> b, Vec<Kpr16u> from) {  // from 32 on
+    return vec<Kpr16u>(_mm512_permutex2var_epi16(bits(a), bits(from), bits(b)));
+}
 
 // Byte i is v's byte from[i] of the same 16 bytes, counted from their first.
 KPR_INLINE Vec<Kpr8u> permuteIn16(Vec<Kpr8u> v, Vec<Kpr8u> from) {

@@ -51,6 +51,12 @@ KPR_INLINE Mask<T> noneOf(Mask<T> lanes, Vec<T> v, Vec<T> which) {
 // Where the sign bit is set: that of a zero or a NaN too.
 KPR_INLINE Mask<Kpr32f> signs(Vec<Kpr32f> v) { return _mm512_movepi32_mask(bits(v)); }
 
+// Where v is infinite or no number.
+KPR_INLINE Mask<Kpr32f> notFinite(Vec<Kpr32f> v) {
+    constexpr int quiet = 0x01, signalling = 0x80, above = 0x08, below = 0x10;
+    return _mm512_fpclass_ps_mask(ps(v), quiet | signalling | above | below);
+}
+
 // Bit i of `bits` goes to the place of the i-th set bit of `where`, counted from the lowest; all other bits are 0.
 KPR_INLINE Bits64 scatterBits(Bits64 bits, Bits64 where) { return _pdep_u64(bits, where); }
 

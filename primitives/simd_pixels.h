@@ -69,14 +69,29 @@ KPR_INLINE void interleaveThree(Vec<T> a, Vec<T> b, Vec<T> c, Vec<T>* out) {
     place(std::integral_constant<int, 2>{});
 }
 
-// Calls put(part, k) for three vectors that hold the elements of three channels in turn: the parts of them that belong
-// to the pixels of `part`.
-KPR_INLINE void eachOfThree(All part, int, auto put) {
-    for (int k = 0; k < 3; ++k) put(part, k);
-}
-KPR_INLINE void eachOfThree(First part, int lanes, auto put) {
+// Of three vectors that hold the elements of three channels in turn, what of vector k belongs to the pixels of `part`.
+KPR_INLINE All elementsOf(All part, int /*k*/, int /*lanes*/) { return part; }
+KPR_INLINE First elementsOf(First part, int k, int lanes) {
     const Kpr64s elements = 3 * _mm_popcnt_u64(part.bits);
-    for (int k = 0; k < 3; ++k) put(First{std::max(elements - Kpr64s{k} * lanes, Kpr64s{0})}, k);
+    return First{std::max(elements - Kpr64s{k} * lanes, Kpr64s{0})};
+}
+
+// Calls put(part, k) for each of the three with its part.
+KPR_INLINE void eachOfThree(auto part, int lanes, auto put) {
+    for (int k = 0; k < 3; ++k) put(elementsOf(part, k, lanes), k);
+}
+
+// The way back from interleaveThree.
+KPR_INLINE void separateThree(const Vec<Kpr32f>* in, Vec<Kpr32f>* out) {
+    const auto a = as<Kpr32s>(in[0]), b = as<Kpr32s>(in[1]), c = as<Kpr32s>(in[2]);
+    const auto channel = [&]<int k>(std::integral_constant<int, k>) {
+        const auto ab = laneConstant<Kpr32s>([](int i) { return 3 * i + k < 32 ? 3 * i + k : 0; });
+        const auto withC = laneConstant<Kpr32s>([](int i) { return 3 * i + k < 32 ? i : 3 * i + k - 16; });
+        out[k] = as<Kpr32f>(permute(permute(a, b, ab), c, withC));
+    };
+    channel(std::integral_constant<int, 0>{});
+    channel(std::integral_constant<int, 1>{});
+    channel(std::integral_constant<int, 2>{});
 }
 
 // Sixteen pixels of three bytes, a channel in each of `out`.

@@ -13,7 +13,7 @@ namespace bench {
 
 // The part of the photographer that has the size's shape, enlarged or reduced with straight lines between pixels.
 inline tour::Gray photo(KprSize size) {
-    const tour::Gray from = tour::readGray(std::string(KPRCV_PHOTOS) + "/camera.png");
+    const tour::Gray from = tour::readGray(std::string(KPRCV_PHOTOS_DIR) + "/camera.png");
     const double scale = std::min(double(from.width) / size.width, double(from.height) / size.height);
     tour::Gray to(size.width, size.height);
     for (int y = 0; y < size.height; ++y) {

@@ -112,6 +112,9 @@ int main(int argc, char** argv) {
         tour::tourSegments(tour);
         tour::tourDistances(tour);
         tour::tourDetection(tour);
+        tour::tourPyramids(tour);
+        tour::tourMotion(tour);
+        tour::tourGeometry(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';

@@ -72,5 +72,8 @@ void tourLines(Tour& tour);
 void tourSegments(Tour& tour);
 void tourDistances(Tour& tour);
 void tourDetection(Tour& tour);
+void tourPyramids(Tour& tour);
+void tourMotion(Tour& tour);
+void tourGeometry(Tour& tour);
 
 }  // namespace tour
