@@ -35,6 +35,9 @@ struct Sampling {
 
     static auto cells(Kpr32f fx, Kpr32f fy) { return geometry::FloatCells<Src>(geometry::weightsOf(fx, fy)); }
     static geometry::Weights<Kpr32f> weights(Kpr32f fx, Kpr32f fy) { return geometry::weightsOf(fx, fy); }
+    KPR_INLINE static Vec<Kpr32f> average(const Vec<Kpr32f> (&v)[3]) {
+        return filter::Scharr3::sum<Kpr32f>([&](int i) { return v[i]; });
+    }
     KPR_INLINE static Vec<Kpr32f> scaled(Vec<Kpr32f> v) { return v * broadcast(1.0F / 32.0F); }
 
     static void copy(const LevelImage<Src>& image, KprPoint32f centre, Kpr32f* patch, int side) {
@@ -64,6 +67,11 @@ struct Sampling<Kpr8u> {
     static geometry::Weights<Kpr32f> weights(Kpr32f fx, Kpr32f fy) {
         const Kpr32f rx = 1.0F - fx;
         return {fma(-rx, fy, rx), fma(-fx, fy, fx), rx * fy, fx * fy};
+    }
+    // The kernel's sum in fewer steps.
+    KPR_INLINE static Vec<Kpr16s> average(const Vec<Kpr16s> (&v)[3]) {
+        const auto three = broadcast<Kpr16s>(3);
+        return (v[0] + v[2] + v[1] * three) * three + v[1];
     }
     // At most 4 * 16 * 255: no lane is too narrow.
     KPR_INLINE static Vec<Kpr16s> scaled(Vec<Kpr16s> v) { return shiftLeft<2>(v); }
@@ -214,18 +222,18 @@ class Window {
         eachStretch<kSampleLanes>(
             width_, [&]<int eighths>(First part, Kpr64s x) __attribute__((always_inline)) {
                 Vec<Kpr64f> withDx[eighths], withDy[eighths], squared[eighths];
-                for (int k = 0; k < eighths; ++k) withDx[k] = withDy[k] = squared[k] = zero<Kpr64f>();
-                walk(
-                    x, part, [&](Kpr64s y, Vec<Sample> v) __attribute__((always_inline)) {
-                        takeTurns<eighths>([&](auto k) __attribute__((always_inline)) {
-                            const Kpr64s here = at(x + 8 * k, y);
-                            const auto d = load(first_ + here, All{}) - raised<k>(v);
-                            withDx[k] = fma(d, load(dx_ + here, All{}), withDx[k]);
-                            withDy[k] = fma(d, load(dy_ + here, All{}), withDy[k]);
-                            if constexpr (measures) squared[k] = fma(d, d, squared[k]);
-                        });
-                    });
-                sums.withDx += total(withDx);
+            for (int k = 0; k < eighths; ++k) withDx[k] = withDy[k] = squared[k] = zero<Kpr64f>();
+            const Kpr64f *first = first_ + x, *dx = dx_ + x, *dy = dy_ + x;
+            walk(x, part, [&, pitch = pitch_](Kpr64s y, Vec<Sample> v) __attribute__((always_inline)) {
+                takeTurns<eighths>([&](auto k) __attribute__((always_inline)) {
+                    const Kpr64s here = y * pitch + 8 * k;
+                    const auto d = load(first + here, All{}) - raised<k>(v);
+                    withDx[k] = fma(d, load(dx + here, All{}), withDx[k]);
+                    withDy[k] = fma(d, load(dy + here, All{}), withDy[k]);
+                    if constexpr (measures) squared[k] = fma(d, d, squared[k]);
+                });
+            });
+            sums.withDx += total(withDx);
                 sums.withDy += total(withDy);
                 if constexpr (measures) sums.squared += total(squared);
             });
@@ -233,7 +241,6 @@ class Window {
 
     // Derivatives of the pixels of all cells, which are a column and a row more than the window's.
     void derive(Rows<const Src> pixels) {
-        using namespace filter;
         constexpr int lanes = kLanes<Middle>, floatLanes = kLanes<Kpr32f>;
         const Kpr64s pitch = side_ + 1;
         for (Kpr64s x = 0; x <= width_; x += lanes) {
@@ -243,16 +250,14 @@ class Window {
                 const Src* const s = pixels[y] + x;
                 const Vec<Middle> around[] = {loadAs<Middle>(s - 1, part), loadAs<Middle>(s, part),
                                               loadAs<Middle>(s + 1, part)};
-                const auto pixel = [&](int i) { return around[i]; };
-                difference[row] = Dx3::sum<Middle>(pixel);
-                average[row] = Scharr3::sum<Middle>(pixel);
+                difference[row] = around[2] - around[0];
+                average[row] = Form::average(around);
             };
             across(-1, 0);
             across(0, 1);
             for (Kpr64s y = 0; y <= height_; ++y) {
                 across(y + 1, 2);
-                const auto dx = Form::scaled(Scharr3::sum<Middle>([&](int i) { return difference[i]; }));
-                const auto dy = Form::scaled(Dx3::sum<Middle>([&](int i) { return average[i]; }));
+                const auto dx = Form::scaled(Form::average(difference)), dy = Form::scaled(average[2] - average[0]);
                 Kpr32f* const to = derivatives_ + y * pitch + x;
                 takeTurns<lanes / floatLanes>([&](auto k) __attribute__((always_inline)) {
                     const Lanes some = {part.bits >> (floatLanes * k)};
@@ -267,34 +272,34 @@ class Window {
         }
     }
 
-    // The derivatives at the samples' places, and the sums of their products.
+    // The derivatives at the samples' places, and the sums of their products. The first go through memory, in place: to
+    // widen what comes from there is one operation, from a register two.
     void interpolate(geometry::Weights<Kpr32f> weights) {
-        using Cells = geometry::FloatCells<Kpr32f>;
-        const Cells cells(weights);
+        const geometry::FloatCells<Kpr32f> cells(weights);
         const Kpr64s pitch = side_ + 1;
+        const Rows<Kpr32f> dx = {derivatives_, pitch * Kpr64s{sizeof(Kpr32f)}};
+        const Rows<Kpr32f> dy = {derivatives_ + pitch * pitch, dx.step};
+        for (const auto& plane : {dx, dy})
+            makeCells(cells, Rows<const Kpr32f>{plane.first, plane.step}, plane, width_, height_);
         gxx_ = gyy_ = gxy_ = 0.0;
-        eachStretch<kLanes<Kpr32f>>(
-            width_, [&]<int eighths>(First part, Kpr64s x) __attribute__((always_inline)) {
-                Vec<Kpr64f> xx[eighths], yy[eighths], xy[eighths];
-                for (int k = 0; k < eighths; ++k) xx[k] = yy[k] = xy[k] = zero<Kpr64f>();
-                const Kpr32f* from = derivatives_ + x;
-                auto upperX = Cells::row(from, part), upperY = Cells::row(from + pitch * pitch, part);
-                for (Kpr64s y = 0; y < height_; ++y) {
-                    from += pitch;
-                    const auto lowerX = Cells::row(from, part), lowerY = Cells::row(from + pitch * pitch, part);
-                    const Vec<Kpr32f> dx = cells.mean(upperX, lowerX), dy = cells.mean(upperY, lowerY);
-                    upperX = lowerX;
-                    upperY = lowerY;
-                    takeTurns<eighths>([&](auto k) __attribute__((always_inline)) {
-                        const auto a = half<k>(dx), b = half<k>(dy);
-                        store(dx_ + at(x + 8 * k, y), a, All{});
-                        store(dy_ + at(x + 8 * k, y), b, All{});
-                        xx[k] = fma(a, a, xx[k]);
-                        yy[k] = fma(b, b, yy[k]);
-                        xy[k] = fma(a, b, xy[k]);
-                    });
-                }
-                gxx_ += total(xx);
+        eachStretch<32>(width_, [&]<int eighths>(First part, Kpr64s x) __attribute__((always_inline)) {
+            Vec<Kpr64f> xx[eighths], yy[eighths], xy[eighths];
+            for (int k = 0; k < eighths; ++k) xx[k] = yy[k] = xy[k] = zero<Kpr64f>();
+            const Kpr32f *fromX = dx.first + x, *fromY = dy.first + x;
+            Kpr64f *toX = dx_ + x, *toY = dy_ + x;
+            const Kpr64s wide = pitch_, height = height_;
+            for (Kpr64s y = 0; y < height; ++y, fromX += pitch, fromY += pitch, toX += wide, toY += wide) {
+                takeTurns<eighths>([&](auto k) __attribute__((always_inline)) {
+                    const Lanes some = {part.bits >> (8 * k)};
+                    const auto a = loadWidened(fromX + 8 * k, some), b = loadWidened(fromY + 8 * k, some);
+                    store(toX + 8 * k, a, All{});
+                    store(toY + 8 * k, b, All{});
+                    xx[k] = fma(a, a, xx[k]);
+                    yy[k] = fma(b, b, yy[k]);
+                    xy[k] = fma(a, b, xy[k]);
+                });
+            }
+            gxx_ += total(xx);
                 gyy_ += total(yy);
                 gxy_ += total(xy);
             });

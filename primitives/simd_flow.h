@@ -24,6 +24,11 @@ KPR_INLINE Vec<Kpr64f> raised(Vec<Kpr32f> v) {
     return half<which>(v);
 }
 
+// Eight floats as doubles; zeros where the part has none.
+KPR_INLINE Vec<Kpr64f> loadWidened(const Kpr32f* src, Lanes part) {
+    return vec(_mm512_cvtps_pd(_mm256_maskz_loadu_ps(static_cast<__mmask8>(part.bits), src)));
+}
+
 // Sixteen lanes in single precision.
 template <int which>
 KPR_INLINE Vec<Kpr32f> floats(Vec<Kpr16s> v) {
