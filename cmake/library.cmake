@@ -58,6 +58,7 @@ add_library(kprcv_objects OBJECT
     morph/tap_walk.cpp
     motion/mixture.cpp
     motion/motion_history.cpp
+    motion/optical_flow.cpp
     primitives/arithmetic.cpp
     primitives/border.cpp
     primitives/copy.cpp

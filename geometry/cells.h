@@ -93,10 +93,12 @@ class PairCells {
         const auto left = pixels(src, part), right = pixels(src + 1, part);
         return {interleaveLower(left, right), interleaveUpper(left, right)};
     }
+    KPR_INLINE auto mean(const Row& upper, const Row& lower) const {
+        using Joined = std::conditional_t<sizeof(Dst) == 2, Kpr16u, Kpr16s>;
+        return join<Joined>(cell(upper.first, lower.first), cell(upper.second, lower.second));
+    }
     KPR_INLINE void put(Dst* dst, const Row& upper, const Row& lower, auto part) const {
-        const auto first = cell(upper.first, lower.first), second = cell(upper.second, lower.second);
-        if constexpr (sizeof(Dst) == 2) store(dst, join<Kpr16u>(first, second), part);
-        if constexpr (sizeof(Dst) == 1) storeAs(dst, join<Kpr16s>(first, second), part);
+        storeAs(dst, mean(upper, lower), part);
     }
 
   private:
@@ -180,9 +182,12 @@ class FloatCells {
     KPR_INLINE static Row row(const Src* src, auto part) {
         return {loadAs<Kpr32f>(src, part), loadAs<Kpr32f>(src + 1, part)};
     }
-    KPR_INLINE void put(Kpr32f* dst, const Row& upper, const Row& lower, auto part) const {
+    KPR_INLINE Vec<Kpr32f> mean(const Row& upper, const Row& lower) const {
         const auto above = fma(w10_, upper.right, w00_ * upper.left);
-        store(dst, fma(w11_, lower.right, fma(w01_, lower.left, above)), part);
+        return fma(w11_, lower.right, fma(w01_, lower.left, above));
+    }
+    KPR_INLINE void put(Kpr32f* dst, const Row& upper, const Row& lower, auto part) const {
+        store(dst, mean(upper, lower), part);
     }
 
   private:

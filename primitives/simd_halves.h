@@ -199,6 +199,7 @@ KPR_OF_ONE(sqrt_ps, __m512, __m256)
 KPR_OF_ONE(sqrt_pd, __m512d, __m256d)
 KPR_OF_THREE(fmadd_ps, __m512, __m256)
 KPR_OF_THREE(fnmadd_ps, __m512, __m256)
+KPR_OF_THREE(fmadd_pd, __m512d, __m256d)
 KPR_OF_THREE(fnmadd_pd, __m512d, __m256d)
 KPR_SHIFT(sll_epi16, slli_epi16)
 KPR_SHIFT(sll_epi32, slli_epi32)
@@ -544,6 +545,9 @@ KPR_INLINE __m256i _mm256_maskz_loadu_epi16(__mmask16 mask, const void* src) {
     return loadedSome<Kpr16u>(__m256i{}, mask, src);
 }
 KPR_INLINE void _mm256_mask_storeu_epi16(void* dst, __mmask16 mask, __m256i v) { storeSome<Kpr16u>(dst, mask, v); }
+KPR_INLINE __m256 _mm256_maskz_loadu_ps(__mmask8 mask, const void* src) {
+    return loadedSome<Kpr32f>(__m256{}, mask, src);
+}
 KPR_INLINE __m256i _mm256_maskz_loadu_epi32(__mmask8 mask, const void* src) {
     return loadedSome<Kpr32s>(__m256i{}, mask, src);
 }

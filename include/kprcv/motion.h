@@ -2,6 +2,7 @@
 #ifndef KPRCV_MOTION_H
 #define KPRCV_MOTION_H
 
+#include <kprcv/pyramid.h>
 #include <kprcv/types.h>
 
 #ifdef __cplusplus
@@ -83,6 +84,80 @@ KprStatus kpriFGMMForeground_8u_C3R(const Kpr8u* src, int srcStep, Kpr8u* dst, i
  *
  * Returns kprStatusOk, kprStatusNullPtr, kprStatusBadStep (below 1), kprStatusBadSize. */
 KprStatus kpriFGMMBackground_8u_C3R(Kpr8u* dst, int dstStep, KprSize roiSize, const KprFGMMState* state);
+
+/* Optical flow: where points of one image are found in the next one, by the iterative method of Lucas and Kanade in a
+ * square window, from the coarsest of some levels of two pyramids to the images themselves. */
+typedef struct KprOpticalFlowPyrLK KprOpticalFlowPyrLK;
+
+/* The bytes of the state for windows of winSize x winSize pixels.
+ *
+ * roiSize       pixels of the largest image, level 0
+ * dataType      kpr8u, kpr16u or kpr32f
+ * hint          any; it has no effect
+ *
+ * Returns kprStatusOk, kprStatusBadSize (winSize or a side below 1), kprStatusBadDataType, kprStatusNullPtr,
+ * kprStatusSizeOverflow (a size beyond 2^31 - 1; nothing is written). */
+KprStatus kpriOpticalFlowPyrLKGetSize(int winSize, KprSize roiSize, KprDataType dataType, int hint, int* result);
+
+/* Makes a state in stateBuffer, which may lie anywhere, and gives its address. The state holds an address of its own
+ * and must not be moved. It serves one call at a time, and any number of them.
+ *
+ * Returns kprStatusOk, kprStatusBadSize (winSize or a side below 1), kprStatusNullPtr. */
+KprStatus kpriOpticalFlowPyrLKInit_8u_C1R(KprOpticalFlowPyrLK** statePtr, KprSize roiSize, int winSize, int hint,
+                                          Kpr8u* stateBuffer);
+KprStatus kpriOpticalFlowPyrLKInit_16u_C1R(KprOpticalFlowPyrLK** statePtr, KprSize roiSize, int winSize, int hint,
+                                           Kpr8u* stateBuffer);
+KprStatus kpriOpticalFlowPyrLKInit_32f_C1R(KprOpticalFlowPyrLK** statePtr, KprSize roiSize, int winSize, int hint,
+                                           Kpr8u* stateBuffer);
+
+/* Tracks points. At each level L from maxLevel to 0 a point starts at the place that the level before has found, or at
+ * the one that was given. The window lies around prevPoints * pRate[L] of pyr1, cut to where each of its cells of four
+ * pixels has all neighbours in the image. I are its pixels there, Ix and Iy their derivatives (Scharr's, of the levels'
+ * pixels), all by bilinear interpolation; J are those of pyr2 around the present place, filled beyond the image with
+ * what is nearest. With sums over the window in double precision, an iteration goes
+ *
+ *     dx = (bx * Gyy - by * Gxy) / det      bx = sum of (I - J) * Ix     by = sum of (I - J) * Iy
+ *     dy = (by * Gxx - bx * Gxy) / det      Gxx = sum of Ix * Ix         and so on
+ *
+ * from the place to the place + (dx, dy), rounded to single precision, det = Gxx * Gyy - Gxy * Gxy. The level ends with
+ * a step shorter than the threshold; after a step that takes the one before back to within 2^-11.5 pixels along both
+ * axes, of which half is applied; and after maxIter steps.
+ *
+ * pyr1, pyr2    the first and the second image: their levels' pixels, sizes and steps; the rates are those of pyr1.
+ *               They may differ in size. Only pixels of the levels are read, and only around the points.
+ * prevPoints    pixels of level 0, x then y, from the middle of the image's first pixel; anywhere, and NaN too
+ * nextPoints    in: a first guess, such as prevPoints; out: the place found. Of a point that fails, the place found at
+ *               the last level that it passed, or the guess.
+ * status        out: 0 where a point is tracked; else 1 + the level at which it has failed. It fails where nothing is
+ *               left of the window, where det is below 2^-52 or no number, as in a flat window, where the second patch
+ *               misses its image wholly, where a step is no number, and where a step in bytes cannot hold its level's
+ *               row. To leave the image in part is no failure.
+ * error         out: root mean square of I - J over the window at the last iteration's begin, in units of a pixel's
+ *               value; 0 of a point that fails
+ * winSize       pixels along a side, as at the initialisation
+ * maxLevel      the coarsest level to use, at most that of either record
+ * maxIter       at least 1
+ * threshold     pixels of the level in question, not below 0. At 0 no step is short enough.
+ *
+ * 8u            I and J are 128 times the pixels, rounded; Ix and Iy 128 times the derivatives, in single precision.
+ *               det and its bound are in these units.
+ * 16u, 32f      I, J, Ix and Iy are in units of a pixel's value, in single precision
+ *
+ * Returns kprStatusOk, kprStatusNullPtr (a pointer, or an array of a record), kprStatusBadSize (numPoints below 1;
+ * winSize below 1 or not the state's), kprStatusBadArg (maxLevel below 0, above a record's last level, or above 254;
+ * maxIter below 1; a threshold below 0). Also, after the levels before it, kprStatusNullPtr and kprStatusBadSize for a
+ * level of pyr1 without an image or with a side below 1. */
+KprStatus kpriOpticalFlowPyrLK_8u_C1R(const KprPyramid* pyr1, const KprPyramid* pyr2, const KprPoint32f* prevPoints,
+                                      KprPoint32f* nextPoints, Kpr8u* status, Kpr32f* error, int numPoints, int winSize,
+                                      int maxLevel, int maxIter, Kpr32f threshold, KprOpticalFlowPyrLK* state);
+KprStatus kpriOpticalFlowPyrLK_16u_C1R(const KprPyramid* pyr1, const KprPyramid* pyr2, const KprPoint32f* prevPoints,
+                                       KprPoint32f* nextPoints, Kpr8u* status, Kpr32f* error, int numPoints,
+                                       int winSize, int maxLevel, int maxIter, Kpr32f threshold,
+                                       KprOpticalFlowPyrLK* state);
+KprStatus kpriOpticalFlowPyrLK_32f_C1R(const KprPyramid* pyr1, const KprPyramid* pyr2, const KprPoint32f* prevPoints,
+                                       KprPoint32f* nextPoints, Kpr8u* status, Kpr32f* error, int numPoints,
+                                       int winSize, int maxLevel, int maxIter, Kpr32f threshold,
+                                       KprOpticalFlowPyrLK* state);
 
 #ifdef __cplusplus
 }
