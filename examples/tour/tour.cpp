@@ -112,6 +112,7 @@ int main(int argc, char** argv) {
         tour::tourSegments(tour);
         tour::tourDistances(tour);
         tour::tourDetection(tour);
+        tour::tourFlow(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';

@@ -72,5 +72,6 @@ void tourLines(Tour& tour);
 void tourSegments(Tour& tour);
 void tourDistances(Tour& tour);
 void tourDetection(Tour& tour);
+void tourFlow(Tour& tour);
 
 }  // namespace tour
