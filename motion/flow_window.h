@@ -4,7 +4,7 @@
 // A patch, two pixels wider and higher than the window, is centred on the point (geometry/patch.h). The window is what
 // lies one pixel inside of the part of it whose cells are in the image: a derivative reads the pixels around its own,
 // and none of them is outside. So derivatives are made where they are read and nowhere else, and the border plays no
-// part. That takes a few hundred cycles a point; those of a whole image would take the time of about a thousand points.
+// part: those of a whole level would be the same and, where it is large, take as long as a thousand windows.
 //
 // Samples and derivatives are kept in double precision: a difference, two fused steps, and eight pixels are summed.
 // Lanes beyond the window's columns hold zeros, which change no sum.

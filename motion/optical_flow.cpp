@@ -44,8 +44,8 @@ Bytes filterBytes(KprSize roi, KprDataType src, KprDataType dst) {
     return std::max(across, down);
 }
 
-// Room for derivatives of a whole level too. Windows alone take less than a state for 8u has, which is the smallest: a
-// state serves any type.
+// That has room for the derivatives of a whole level, which are not made here. A window takes no more than the smallest
+// state has, that of 8u for an image of one pixel: any state serves any type and image.
 Bytes stateBytes(Bytes winSize, KprSize roi, KprDataType type) {
     constexpr int margin = 5;
     const Bytes plane = (Bytes{roi.width} + margin) * (Bytes{roi.height} + margin);
@@ -113,8 +113,7 @@ struct Call {
     [[nodiscard]] const State& state() const { return *reinterpret_cast<const State*>(statePtr); }
 
     [[nodiscard]] KprStatus track() const {
-        const KprSize roi = {state().width, state().height};
-        const auto bytes = static_cast<Kpr64s>(stateBytes(winSize, roi, kpr8u));
+        const auto bytes = static_cast<Kpr64s>(stateBytes(winSize, {1, 1}, kpr8u));
         Window<Src> window(winSize, {state().work, bytes - (kWorkAlignment - 1) - Kpr64s{sizeof(State)}});
         for (int i = 0; i < points; ++i) status[i] = static_cast<Kpr8u>(maxLevel + 1);
         for (int level = maxLevel; level >= 0; --level) {

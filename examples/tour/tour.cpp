@@ -115,6 +115,7 @@ int main(int argc, char** argv) {
         tour::tourPyramids(tour);
         tour::tourMotion(tour);
         tour::tourGeometry(tour);
+        tour::tourFlow(tour);
         tour.finish();
     } catch (const std::exception& error) {
         std::cerr << "tour: " << error.what() << '\n';

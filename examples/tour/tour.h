@@ -75,5 +75,6 @@ void tourDetection(Tour& tour);
 void tourPyramids(Tour& tour);
 void tourMotion(Tour& tour);
 void tourGeometry(Tour& tour);
+void tourFlow(Tour& tour);
 
 }  // namespace tour

@@ -130,8 +130,8 @@ KprStatus kpriOpticalFlowPyrLKInit_32f_C1R(KprOpticalFlowPyrLK** statePtr, KprSi
  *               the last level that it passed, or the guess.
  * status        out: 0 where a point is tracked; else 1 + the level at which it has failed. It fails where nothing is
  *               left of the window, where det is below 2^-52 or no number, as in a flat window, where the second patch
- *               misses its image wholly, where a step is no number, and where a step in bytes cannot hold its level's
- *               row. To leave the image in part is no failure.
+ *               misses its image wholly, where a step is no number, and where pyr2 has no image of the level or a
+ *               step in bytes cannot hold the level's row. To leave the image in part is no failure.
  * error         out: root mean square of I - J over the window at the last iteration's begin, in units of a pixel's
  *               value; 0 of a point that fails
  * winSize       pixels along a side, as at the initialisation
