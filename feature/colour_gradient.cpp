@@ -6,6 +6,9 @@
 //     L2      the root of (a * a + b * b + c * c) / 3, exact, to nearest  sqrt(fma(c, c, fma(b, b, a * a)) / 3)
 //
 // No third of an integer lies half way between integers, and no root of a third.
+#include <algorithm>
+#include <bit>
+
 #include "frame/checks.h"
 #include "primitives/rows.h"
 #include "primitives/simd_edges.h"
@@ -59,8 +62,13 @@ struct Mean {
                                 thirds<2>(here.third, behind.third)}),
               part);
     }
-    static Vec<Kpr32s> ofIntegers(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
-        return toInteger((a + b + c) * broadcast(1.0F / 3.0F));  // sums of up to 18 bits
+    KPR_INLINE static Vec<Kpr16u> of(Vec<Kpr16u> a, Vec<Kpr16u> b, Vec<Kpr16u> c) {
+        const auto part = [&](auto which) {
+            constexpr int at = decltype(which)::value;
+            const Vec<Kpr32f> sum = toFloat(widened<at>(a)) + toFloat(widened<at>(b)) + toFloat(widened<at>(c));
+            return toInteger(sum * broadcast(1.0F / 3.0F));  // sums of up to 18 bits
+        };
+        return narrowed(part(Turn<0>{}), part(Turn<1>{}));
     }
     static Vec<Kpr32f> of(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
         return ((abs(a) + abs(b)) + abs(c)) / broadcast(3.0F);
@@ -68,58 +76,61 @@ struct Mean {
 };
 
 struct RootMeanSquare {
-    // With n the sum of squares and y near to 1 / sqrt(3 * n), v = n * y is near to the root of n / 3. One correction
-    // brings it within 3e-5; integers and a half are farther away than 1e-4.
-    KPR_INLINE static Vec<Kpr32s> root(Vec<Kpr32s> squares) {
-        const Vec<Kpr32f> n = toFloat(squares), three = broadcast(3.0F);
-        const Vec<Kpr32f> y = nearInverseRoot(fma(n, three, broadcast(1e-6F))), v = n * y;
-        return toInteger(fma(minusProduct(v * three, v, n), y * broadcast(0.5F), v));
+    // Near the root of sum * third, where the sum is 0 or not below 1: off by less than 2e-7 of it, beside what `third`
+    // is off. With v near the root, one correction squares how far the inverse root is off.
+    KPR_INLINE static Vec<Kpr32f> nearRoot(Vec<Kpr32f> sum, Kpr32f third) {
+        const Vec<Kpr32f> square = fma(sum, broadcast(third), broadcast(1e-12F));
+        const Vec<Kpr32f> inverse = nearInverseRoot(square), v = square * inverse;
+        return fma(minusProduct(v, v, square), inverse * broadcast(0.5F), v);
     }
+
+    // Roots of up to 255 are farther from integers and a half than 1e-4.
     template <typename Part>
     KPR_INLINE static void join(Part part, Kpr8u* dst, const Kpr8u* src) {
-        storeAs(dst, root(squaresOfPixels(src, part)), part);
+        Vec<Kpr32s> roots[4];
+        takeTurns<4>([&](auto i) __attribute__((always_inline)) {
+            const Vec<Kpr8u> sixteen = load(src + 48 * i, elementsOf<i>(part));
+            roots[i] = toInteger(nearRoot(toFloat(squaresOfPixels(sixteen)), 1.0F / 3.0F));
+        });
+        store(dst, narrowed(roots[0], roots[1], roots[2], roots[3]), part);
     }
-    KPR_INLINE static Vec<Kpr32s> squaresOfPixels(const Kpr8u* src, All) {
-        return n0::squaresOfPixels(load(src, First{48}));
+    // What the part has of its sixteen pixels of the given turn.
+    template <int turn>
+    KPR_INLINE static First elementsOf(All) {
+        return First{48};
     }
-    KPR_INLINE static Vec<Kpr32s> squaresOfPixels(const Kpr8u* src, First part) {
-        return n0::squaresOfPixels(load(src, First{Kpr64s{3} * std::popcount(part.bits)}));
+    template <int turn>
+    KPR_INLINE static First elementsOf(First part) {
+        return First{std::clamp<Kpr64s>(Kpr64s{3} * std::popcount(part.bits) - 48 * turn, 0, 48)};
     }
-    static Vec<Kpr32s> ofIntegers(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) { return rootMeanSquares(a, b, c); }
+
+    // Of sums that 32 bits may not hold. The third is so little that the integer is the root's or one less; which, says
+    // what the sum has beyond three squares of it.
+    KPR_INLINE static Vec<Kpr32s> root(Vec<unsigned> a, Vec<unsigned> b, Vec<unsigned> c) {
+        const Vec<Kpr32s> near = toInteger(nearRoot(toFloat(a) + toFloat(b) + toFloat(c), 0.333333F));
+        const Vec<Kpr32s> thrice = near + near + near, beyond = as<Kpr32s>(a + b + c) - thrice * near;
+        return addOneWhere(less(thrice, beyond), near);
+    }
+    KPR_INLINE static Vec<Kpr16u> of(Vec<Kpr16u> a, Vec<Kpr16u> b, Vec<Kpr16u> c) {
+        return n0::join<Kpr16u>(root(squares<0>(a), squares<0>(b), squares<0>(c)),
+                                root(squares<1>(a), squares<1>(b), squares<1>(c)));
+    }
     static Vec<Kpr32f> of(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
         return sqrt(fma(c, c, fma(b, b, a * a)) / broadcast(3.0F));
     }
 };
 
-template <typename Norm>
-KPR_INLINE Vec<Kpr16u> joined(Vec<Kpr16u> a, Vec<Kpr16u> b, Vec<Kpr16u> c) {
-    if constexpr (std::is_same_v<Norm, Largest>) {
-        return Norm::of(a, b, c);
-    } else {
-        const auto part = [&](auto which) {
-            constexpr int at = decltype(which)::value;
-            return Norm::ofIntegers(toFloat(widened<at>(a)), toFloat(widened<at>(b)), toFloat(widened<at>(c)));
-        };
-        return narrowed(part(Turn<0>{}), part(Turn<1>{}));
-    }
-}
-template <typename Norm>
-KPR_INLINE Vec<Kpr32f> joined(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
-    return Norm::of(a, b, c);
-}
-
 template <typename Norm, typename T>
 KprStatus joinRows(Rows<const T> src, Rows<T> dst, KprSize roi) {
-    constexpr int lanes = sizeof(T) == 1 && std::is_same_v<Norm, RootMeanSquare> ? 16 : kLanes<T>;
     for (Kpr64s y = 0; y < roi.height; ++y) {
         const T* const from = src[y];
         T* const to = dst[y];
-        walkColumns<lanes>(roi.width, [=](auto part, Kpr64s x) {
+        walkColumns<kLanes<T>>(roi.width, [=](auto part, Kpr64s x) {
             if constexpr (sizeof(T) == 1) {
                 Norm::join(part, to + x, from + 3 * x);
             } else {
                 const Triple<T> pixels = loadPixels(from + 3 * x, part);
-                store(to + x, joined<Norm>(channelOf<0>(pixels), channelOf<1>(pixels), channelOf<2>(pixels)), part);
+                store(to + x, Norm::of(channelOf<0>(pixels), channelOf<1>(pixels), channelOf<2>(pixels)), part);
             }
         });
     }

@@ -1,8 +1,11 @@
 // The segment test, 64 centres at a time: which of them see an arc of brighter points, which one of darker points, and
-// with what score. Arcs are longer than half a circle, so that
+// with what score. A comparison gives a word, one bit for each centre, and arcs are sought in circles of words. Arcs
+// are longer than half a circle, so that
 //   - of any two opposite points an arc has at least one, which rejects most centres by four points;
 //   - no centre has both a bright and a dark arc.
 #pragma once
+
+#include <bit>
 
 #include "feature/fast_block.h"
 #include "primitives/rows.h"
@@ -36,20 +39,91 @@ struct Bright {
     KPR_INLINE static Bytes64 inner(Bytes64 a, Bytes64 b) { return min(a, b); }
     KPR_INLINE static Bytes64 outer(Bytes64 a, Bytes64 b) { return max(a, b); }
     KPR_INLINE static Bits64 beyond(Bytes64 point, Bytes64 end) { return less(end, point); }
+    KPR_INLINE static Bits64 beyond(Bits64 some, Bytes64 point, Bytes64 end) { return lessOf(some, end, point); }
     KPR_INLINE static Bytes64 excess(Bytes64 point, Bytes64 centre) { return subtractSaturated(point, centre); }
 };
 struct Dark {
     KPR_INLINE static Bytes64 inner(Bytes64 a, Bytes64 b) { return max(a, b); }
     KPR_INLINE static Bytes64 outer(Bytes64 a, Bytes64 b) { return min(a, b); }
     KPR_INLINE static Bits64 beyond(Bytes64 point, Bytes64 end) { return less(point, end); }
+    KPR_INLINE static Bits64 beyond(Bits64 some, Bytes64 point, Bytes64 end) { return lessOf(some, point, end); }
     KPR_INLINE static Bytes64 excess(Bytes64 point, Bytes64 centre) { return subtractSaturated(centre, point); }
 };
 
-// Of two pairs of opposite points, the one that both pairs reach: no arc reaches farther.
+// Those of `some` centres that see a point beyond `end` in either pair of opposite points.
 template <typename Kind>
-KPR_INLINE Bytes64 reachOfPairs(Bytes64 a0, Bytes64 a1, Bytes64 b0, Bytes64 b1) {
-    return Kind::inner(Kind::outer(a0, a1), Kind::outer(b0, b1));
+KPR_INLINE Bits64 beyondInPairs(Bits64 some, Bytes64 a0, Bytes64 a1, Bytes64 b0, Bytes64 b1, Bytes64 end) {
+    return Kind::beyond(Kind::beyond(some, Kind::outer(a0, a1), end), Kind::outer(b0, b1), end);
 }
+
+// The words of a circle of `n` points, one bit for each of 64 centres, eight words to a vector. Behind the last point
+// the first ones follow.
+template <int n>
+class Circle64 {
+    static_assert(n % 4 == 0);
+
+  public:
+    static constexpr int kWords = kLanes<Bits64>, kVectors = (n + kWords - 1) / kWords;
+
+    // `words` goes on with the first points up to a whole vector.
+    KPR_INLINE explicit Circle64(const Bits64* words) {
+        takeTurns<kVectors>([&](auto i) __attribute__((always_inline)) { word_[i] = load(words + i * kWords, All{}); });
+    }
+
+    // From points to stretches of so many that begin there: doubled as far as they go, then grown by the powers of two
+    // that are left.
+    KPR_INLINE void stretch(int points) {
+        takeTurns<kSteps>([&](auto i) __attribute__((always_inline)) {
+            if (2 << i <= points) join<1 << i>();
+        });
+        const auto rest = static_cast<unsigned>(points) - std::bit_floor(static_cast<unsigned>(points));
+        takeTurns<kSteps>([&](auto i) __attribute__((always_inline)) {
+            if ((rest >> i & 1) != 0) join<1 << i>();
+        });
+    }
+
+    KPR_INLINE void meet(const Circle64& other) {
+        takeTurns<kVectors>([&](auto i) __attribute__((always_inline)) { word_[i] = word_[i] & other.word_[i]; });
+    }
+
+    // The centres that any word has.
+    KPR_INLINE Bits64 any() const {
+        Words all = word_[0];
+        takeTurns<kVectors - 1>([&](auto i) __attribute__((always_inline)) { all = all | word_[i + 1]; });
+        return firstLane(fold(all, [](Words a, Words b) { return a | b; }));
+    }
+
+  private:
+    using Words = Vec<Bits64>;
+    static constexpr int kSteps = std::bit_width(static_cast<unsigned>(n)) - 1;  // powers of two that may be joined
+
+    // Eight words from the point kWords * i on, which may lie beyond the circle's end.
+    template <int i>
+    KPR_INLINE Words from() const {
+        if constexpr (i < kVectors)
+            return word_[i];
+        else if constexpr (n % kWords == 0)
+            return from<i - kVectors>();
+        else
+            return ahead<32>(from<i - kVectors>(), from<i - kVectors + 1>());
+    }
+    template <int at>
+    KPR_INLINE Words wordsAt() const {
+        return ahead<at % kWords * 8>(from<at / kWords>(), from<at / kWords + 1>());
+    }
+
+    // Every stretch, and the one that begins so many points behind it.
+    template <int apart>
+    KPR_INLINE void join() {
+        Words joined[kVectors];
+        takeTurns<kVectors>([&](auto i) __attribute__((always_inline)) {
+            joined[i] = word_[i] & wordsAt<kWords * i + apart>();
+        });
+        takeTurns<kVectors>([&](auto i) __attribute__((always_inline)) { word_[i] = joined[i]; });
+    }
+
+    Words word_[kVectors];
+};
 
 // Any circle and arc.
 class AnyArc {
@@ -61,14 +135,22 @@ class AnyArc {
     [[gnu::noinline]] Found find(Part part, const Kpr8u* c, Bits64 bright, Bits64 dark) const {
         const Bytes64 centre = loadOnce(c, part), limit = broadcast(ring_.limit);
         const Bytes64 high = addSaturated(centre, limit), low = subtractSaturated(centre, limit);
+        // Two pairs of points between the compass points; of a wide circle four more between those.
         const int n = ring_.points;
-        // Two pairs of points between the compass points.
-        const auto at = [&](int i) __attribute__((always_inline)) { return loadOnce(c + ring_.offset[i], part); };
-        const Bytes64 a0 = at(n / 8), a1 = at(n / 8 + n / 2), b0 = at(3 * n / 8), b1 = at(3 * n / 8 + n / 2);
-        bright &= Bright::beyond(reachOfPairs<Bright>(a0, a1, b0, b1), high);
-        dark &= Dark::beyond(reachOfPairs<Dark>(a0, a1, b0, b1), low);
+        const auto narrowDown = [&](int i, int j) __attribute__((always_inline)) {
+            const auto at = [&](int k) __attribute__((always_inline)) { return loadOnce(c + ring_.offset[k], part); };
+            const Bytes64 a0 = at(i), a1 = at(i + n / 2), b0 = at(j), b1 = at(j + n / 2);
+            bright = beyondInPairs<Bright>(bright, a0, a1, b0, b1, high);
+            dark = beyondInPairs<Dark>(dark, a0, a1, b0, b1, low);
+        };
+        narrowDown(n / 8, 3 * n / 8);
         Found found = {0, 0, zero<Kpr8u>()};
         if ((bright | dark) == 0) return found;
+        if (n > 16) {
+            narrowDown(n / 16, 5 * n / 16);
+            narrowDown(3 * n / 16, 7 * n / 16);
+            if ((bright | dark) == 0) return found;
+        }
         found = arcs(part, c, high, low, bright, dark);
         if constexpr (scored) {
             if (found.bright != 0) found.score = keep<Kpr8u>(found.bright, score<Bright>(part, c, centre));
@@ -78,48 +160,51 @@ class AnyArc {
     }
 
   private:
-    // Words of 64 centres, eight to a vector; vectors may reach past a circle's end.
-    static constexpr int kWords = kLanes<Kpr64s>;
-    static constexpr int kRoom = kMostPoints + kMostPoints / 2 + 2 * kWords;
+    static constexpr int kRoom = kMostPoints + kLanes<Bits64> / 2;
 
-    // Those of the candidates that have an arc: each point gives a word of either kind, and words are joined as a
-    // circle. Stretches of powers of two are doubled as far as they go, and two of them make an arc.
+    // Those of the candidates that have an arc: each point gives a word of either kind.
     template <typename Part>
     [[gnu::noinline]] Found arcs(Part part, const Kpr8u* c, Bytes64 high, Bytes64 low, Bits64 bright,
                                  Bits64 dark) const {
-        alignas(64) Kpr64s brights[kRoom], darks[kRoom];
-        for (int i = 0; i < ring_.points; ++i) {
+        alignas(64) Bits64 brights[kRoom], darks[kRoom];
+        const int n = ring_.points;
+#pragma GCC unroll 4
+        for (int i = 0; i < n; ++i) {
             const Bytes64 point = loadOnce(c + ring_.offset[i], part);
-            brights[i] = static_cast<Kpr64s>(Bright::beyond(point, high));
-            darks[i] = static_cast<Kpr64s>(Dark::beyond(point, low));
+            brights[i] = Bright::beyond(point, high);
+            darks[i] = Dark::beyond(point, low);
+        }
+        for (int i = 0; i < kLanes<Bits64> / 2; ++i) {
+            brights[n + i] = brights[i];
+            darks[n + i] = darks[i];
         }
         Found found = {0, 0, zero<Kpr8u>()};
-        if (bright != 0) found.bright = bright & runsIn(brights);
-        if (dark != 0) found.dark = dark & runsIn(darks);
+        if (bright != 0) found.bright = bright & stretchesIn(brights);
+        if (dark != 0) found.dark = dark & stretchesIn(darks);
         return found;
     }
 
-    KPR_INLINE Bits64 runsIn(Kpr64s* circle) const {
-        using Words = Vec<Kpr64s>;
-        const int n = ring_.points;
-        const auto close = [&](int past) __attribute__((always_inline)) {
-            for (int i = 0; i < past; i += kWords) store(circle + n + i, load(circle + i, All{}), All{});
-        };
-        const auto both = [&](int i, int apart) __attribute__((always_inline)) {
-            return load(circle + i, All{}) & load(circle + i + apart, All{});
-        };
-        int length = 1;
-        for (; 2 * length <= ring_.arc; length *= 2) {
-            close(length);
-            for (int i = 0; i < n; i += kWords) store(circle + i, both(i, length), All{});
+    [[gnu::noinline]] Bits64 stretchesIn(const Bits64* words) const {
+        switch (ring_.points) {
+            case 8:
+                return stretchesOf<8>(words);
+            case 12:
+                return stretchesOf<12>(words);
+            case 16:
+                return stretchesOf<16>(words);
+            case 28:
+                return stretchesOf<28>(words);
+            case 40:
+                return stretchesOf<40>(words);
+            default:
+                return stretchesOf<kMostPoints>(words);
         }
-        const int rest = ring_.arc - length;
-        close(rest);
-        Words joined = zero<Kpr64s>();
-        int i = 0;
-        for (; i + kWords <= n; i += kWords) joined = joined | both(i, rest);
-        if (i < n) joined = joined | merge(First{n - i}, both(i, rest), zero<Kpr64s>());
-        return static_cast<Bits64>(firstLane(fold(joined, [](Words a, Words b) { return a | b; })));
+    }
+    template <int n>
+    KPR_INLINE Bits64 stretchesOf(const Bits64* words) const {
+        Circle64<n> circle(words);
+        circle.stretch(ring_.arc);
+        return circle.any();
     }
 
     // Extrema over every stretch of `arc` points, joined likewise.
@@ -151,32 +236,50 @@ class Arc9Of16 {
   public:
     explicit Arc9Of16(const Ring& ring) : ring_(ring) {}
 
-    // Which of the candidates are corners.
+    // Which of the candidates are corners. Where there is one of either kind, there are most often others of the other
+    // kind: both are looked for without asking.
     template <bool scored, typename Part>
     [[gnu::noinline]] Found find(Part part, const Kpr8u* c, Bits64 bright, Bits64 dark) const {
         const Bytes64 centre = loadOnce(c, part), limit = broadcast(ring_.limit);
         const Bytes64 high = addSaturated(centre, limit), low = subtractSaturated(centre, limit);
         Bytes64 p[16];
         takeTurns<16>([&](auto i) __attribute__((always_inline)) { p[i] = loadOnce(c + ring_.offset[i], part); });
-        bright &= Bright::beyond(reachOfPairs<Bright>(p[2], p[10], p[6], p[14]), high);
-        dark &= Dark::beyond(reachOfPairs<Dark>(p[2], p[10], p[6], p[14]), low);
-        Found found = {0, 0, zero<Kpr8u>()};
-        if (bright != 0) {
-            const Bytes64 best = reach<Bright>(p);
-            found.bright = bright & Bright::beyond(best, high);
-            if constexpr (scored) found.score = keep<Kpr8u>(found.bright, Bright::excess(best, centre));
-        }
-        if (dark != 0) {
-            const Bytes64 best = reach<Dark>(p);
-            found.dark = dark & Dark::beyond(best, low);
-            if constexpr (scored) found.score = found.score | keep<Kpr8u>(found.dark, Dark::excess(best, centre));
+        const ArcWords brights = words<Bright>(p, high), darks = words<Dark>(p, low);
+        Found found = {bright & arcs(brights), dark & arcs(darks), zero<Kpr8u>()};
+        if constexpr (scored) {
+            if (found.bright != 0) found.score = keep<Kpr8u>(found.bright, Bright::excess(reach<Bright>(p), centre));
+            if (found.dark != 0)
+                found.score = found.score | keep<Kpr8u>(found.dark, Dark::excess(reach<Dark>(p), centre));
         }
         return found;
     }
 
   private:
-    // What the best arc reaches. Arcs share the eight points between their ends two and two: one has the point behind
-    // those, the other the point before.
+    // Arcs share the eight points between their ends two and two: one has the point behind those, the other the point
+    // before. The eight are four pairs in a row, and pairs make a circle of eight.
+    struct ArcWords {
+        alignas(64) Bits64 pair[8];  // both points of a pair
+        alignas(64) Bits64 end[8];   // either point next to the four pairs from there on
+    };
+    template <typename Kind>
+    KPR_INLINE static ArcWords words(const Bytes64 (&p)[16], Bytes64 end) {
+        ArcWords words;
+        takeTurns<8>([&](auto i) __attribute__((always_inline)) {
+            words.pair[i] = Kind::beyond(Kind::inner(p[2 * i], p[2 * i + 1]), end);
+            words.end[i] = Kind::beyond(Kind::outer(p[(2 * i + 8) % 16], p[(2 * i + 15) % 16]), end);
+        });
+        return words;
+    }
+
+    // The centres that have an arc.
+    KPR_INLINE static Bits64 arcs(const ArcWords& words) {
+        Circle64<8> eight(words.pair);
+        eight.stretch(4);
+        eight.meet(Circle64<8>(words.end));
+        return eight.any();
+    }
+
+    // What the best arc reaches.
     template <typename Kind>
     KPR_INLINE static Bytes64 reach(const Bytes64 (&p)[16]) {
         Bytes64 two[8], four[8], best;
@@ -206,8 +309,9 @@ KPR_INLINE void findInRow(const Arc& arc, const Ring& ring, const Kpr8u* row, Kp
             const Bytes64 p0 = loadOnce(c + below, part), p1 = loadOnce(c + left, part);
             const Bytes64 p2 = loadOnce(c + above, part), p3 = loadOnce(c + right, part);
             const Bytes64 centre = loadOnce(c, part);
-            const Bits64 bright = Bright::beyond(reachOfPairs<Bright>(p0, p2, p1, p3), addSaturated(centre, limit));
-            const Bits64 dark = Dark::beyond(reachOfPairs<Dark>(p0, p2, p1, p3), subtractSaturated(centre, limit));
+            const Bytes64 high = addSaturated(centre, limit), low = subtractSaturated(centre, limit);
+            const Bits64 bright = beyondInPairs<Bright>(~Bits64{0}, p0, p2, p1, p3, high);
+            const Bits64 dark = beyondInPairs<Dark>(~Bits64{0}, p0, p2, p1, p3, low);
             if ((bright | dark) == 0) [[likely]]
                 put(part, x, Found{0, 0, zero<Kpr8u>()});
             else

@@ -5,6 +5,11 @@
 
 namespace n0 {
 
+// Of the lanes of the mask, those where a < b.
+KPR_INLINE Mask<Kpr8u> lessOf(Mask<Kpr8u> lanes, Vec<Kpr8u> a, Vec<Kpr8u> b) {
+    return _mm512_mask_cmplt_epu8_mask(lanes, bits(a), bits(b));
+}
+
 // Stores the lanes of the mask one behind another; how many they are.
 template <typename T>
 KPR_INLINE Kpr64s storePacked(T* dst, Vec<T> v, Mask<T> lanes) {

@@ -98,10 +98,15 @@ KPR_INLINE Vec<Kpr64f> inTurn(Vec<Kpr64f> a, Vec<Kpr64f> b, Vec<Kpr64f> c) {
     return vec(_mm512_permutex2var_pd(both, bits(third), pd(c)));
 }
 
-// The lanes of both, which are from 0 to 65535, in their order.
+// The lanes of both or of all, which are in the range of the result, in their order.
 KPR_INLINE Vec<Kpr16u> narrowed(Vec<Kpr32s> first, Vec<Kpr32s> second) {
     return vec<Kpr16u>(_mm512_inserti64x4(_mm512_castsi256_si512(_mm512_cvtepi32_epi16(bits(first))),
                                           _mm512_cvtepi32_epi16(bits(second)), 1));
+}
+
+KPR_INLINE Vec<Kpr8u> narrowed(Vec<Kpr32s> a, Vec<Kpr32s> b, Vec<Kpr32s> c, Vec<Kpr32s> d) {
+    const Vec<Kpr8u> fours = join(join<Kpr16u>(a, b), join<Kpr16u>(c, d));
+    return as<Kpr8u>(permute(as<Kpr32s>(fours), laneConstant<Kpr32s>([](int i) { return i % 4 * 4 + i / 4; })));
 }
 
 // ---- pixels of three channels
@@ -198,15 +203,11 @@ KPR_INLINE Vec<Kpr32s> squaresOfPixels(Vec<Kpr8u> pixels) {
 // The inverse root of what is above zero, off by up to 2^-14 of it: what is made of it must not show which.
 KPR_INLINE Vec<Kpr32f> nearInverseRoot(Vec<Kpr32f> v) { return vec(_mm512_rsqrt14_ps(ps(v))); }
 
-// The nearest integers to the roots of (a * a + b * b + c * c) / 3, of integers up to 65535; exact.
-KPR_INLINE Vec<Kpr32s> rootMeanSquares(Vec<Kpr32f> a, Vec<Kpr32f> b, Vec<Kpr32f> c) {
-    const auto root = [&](auto which) {
-        const auto wide = [](Vec<Kpr32f> v) { return half<decltype(which)::value>(v); };
-        const Vec<Kpr64f> sum = wide(a) * wide(a) + wide(b) * wide(b) + wide(c) * wide(c);
-        return _mm512_cvtpd_epi32(_mm512_sqrt_pd(pd(sum / broadcast(3.0))));
-    };
-    return vec<Kpr32s>(_mm512_inserti64x4(_mm512_castsi256_si512(root(std::integral_constant<int, 0>{})),
-                                          root(std::integral_constant<int, 1>{}), 1));
+// Squares of what interleaveLower or interleaveUpper takes; `join` brings what is made of them back into order.
+template <int which>
+KPR_INLINE Vec<unsigned> squares(Vec<Kpr16u> v) {
+    const Vec<Kpr16u> low = v * v, high = mulHigh(v, v);
+    return as<unsigned>(which == 0 ? interleaveLower(low, high) : interleaveUpper(low, high));
 }
 
 // ---- sums

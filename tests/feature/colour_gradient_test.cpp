@@ -82,6 +82,33 @@ TEST(GradientColorToGray, EveryValueOfBytes) {
     }
 }
 
+// Sums of three squares on either side of where the root passes an integer and a half, and the largest sums.
+TEST(GradientColorToGray, NextToEveryKindOfHalf) {
+    test::Random random;
+    constexpr int count = 200;
+    GuardedImage<Kpr16u> src({count, 1}, random, 3);
+    GuardedImage<Kpr16u> dst({count, 1}, random);
+    for (int x = 0; x < count; ++x) {
+        const std::int64_t root = x < 100 ? x * x : random.range(10000, 37000);
+        for (int tries = 0; tries < 300000; ++tries) {
+            const std::int64_t sum = 3 * root * (root + 1) + random.range(0, 1);
+            const std::int64_t a = random.range(0, static_cast<int>(root)), b = random.range(0, static_cast<int>(root));
+            const auto c = static_cast<std::int64_t>(std::sqrt(static_cast<double>(sum - a * a - b * b)));
+            if (c > 65535) continue;
+            src.at(x, 0, 0) = static_cast<Kpr16u>(a);
+            src.at(x, 0, 1) = static_cast<Kpr16u>(b);
+            src.at(x, 0, 2) = static_cast<Kpr16u>(c);
+            if (a * a + b * b + c * c == sum) break;
+        }
+        for (int channel = 0; channel < 3 && x % 16 == 0; ++channel)
+            src.at(x, 0, channel) = static_cast<Kpr16u>(65535 - (x >> 4 >> channel & 1));
+    }
+    kpriGradientColorToGray_16u_C3C1R(src.data(), src.step(), dst.data(), dst.step(), {count, 1}, kprNormL2);
+    test::expectImage(dst, [&](int x, int y, int) {
+        return joined<Kpr16u>(src.at(x, y, 0), src.at(x, y, 1), src.at(x, y, 2), kprNormL2);
+    });
+}
+
 TEST(GradientColorToGray, StatusLadders) {
     const auto run = [](auto ladder, bool bytes) {
         ladder.channels({3, 1}).template with<5>(kprNormL1).nulls().sizes().lengths({0, 1});
