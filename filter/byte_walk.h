@@ -6,6 +6,7 @@
 //     across(part, nearest, src)   filters columns that read pixels from src on; those of `nearest` read none that the
 //                                  border rule has made
 //     outside(src)                 the same of a row that lies in a constant border, of which src holds a piece
+//     follow(above, row)           where a rule has it, completes a row by what it takes from the one above
 //     down(row)                    makes results of row(Turn<0>{}) to row(Turn<2 * kRadius>{})
 #pragma once
 
@@ -47,8 +48,13 @@ template <typename Rule, typename Part, typename Nearest>
     };
     constexpr int size = 2 * radius + 1;
     typename Rule::Row row[size];
-    takeTurns<size - 1>([&](auto i) __attribute__((always_inline)) {
-        row[i] = across(sourceOf(begin - radius + i, rows, src, first));
+    const auto put = [&](auto i, const typename Rule::Row& from) __attribute__((always_inline)) {
+        row[i] = from;
+        if constexpr (requires { rule.follow(row[i], row[i]); }) rule.follow(row[(i + size - 1) % size], row[i]);
+    };
+    row[0] = across(sourceOf(begin - radius, rows, src, first));
+    takeTurns<size - 2>([&](auto i) __attribute__((always_inline)) {
+        put(Turn<i + 1>{}, across(sourceOf(begin - radius + 1 + i, rows, src, first)));
     });
     // The rows take turns in their registers. Most are followed by a row that exists: that one is a step away.
     const Kpr64s existing = rows.highInMemory ? end : std::min(end, rows.size - radius);
@@ -56,7 +62,7 @@ template <typename Rule, typename Part, typename Nearest>
     Kpr8u* out = dst[begin];
     Kpr64s y = begin;
     const auto step = [&](auto turn, const typename Rule::Row& from) __attribute__((always_inline)) {
-        row[(turn + size - 1) % size] = from;
+        put(Turn<(turn + size - 1) % size>{}, from);
         store(out, rule.down([&](auto i) __attribute__((always_inline)) { return row[(turn + i) % size]; }), part);
         out += dst.step;
     };

@@ -31,9 +31,9 @@ KPR_INLINE Words wordsOf(Vec<Kpr8u> v) {
 // The low bytes of one channel; of more the words, which are bytes.
 template <int channels>
 KPR_INLINE Vec<Kpr8u> bytesOf(Words v) {
-    constexpr int secondWhereFirst = 0xca;  // a ? b : c
+    constexpr int firstWhereSecond = 0xe2;  // b ? a : c
     if constexpr (channels == 1)
-        return as<Kpr8u>(combine<secondWhereFirst>(broadcast<Kpr16s>(0xff), v.first, shiftLeft<8>(v.second)));
+        return as<Kpr8u>(combine<firstWhereSecond>(v.first, broadcast<Kpr16s>(0xff), shiftLeft<8>(v.second)));
     else
         return join(as<Kpr16u>(v.first), as<Kpr16u>(v.second));
 }
@@ -141,28 +141,31 @@ template <int channels, typename Rounding>
 class ThreeTaps {
   public:
     static constexpr int kRadius = 1;
-    using Row = Words;
+    struct Row {
+        Words b;
+        Words rise = {zero<Kpr16s>(), zero<Kpr16s>()};  // from the row above; down the columns x is a difference of two
+    };
 
     ThreeTaps(int k, int d) : rounding_(k, d) {}
 
     template <typename Part, typename Nearest>
     KPR_INLINE Row across(Part part, Nearest nearest, const Kpr8u* src) const {
         const auto [b, x] = neighbours<channels>(part, src);
-        return {rounding_(x.first, Rounding::entered(b.first), nearest, kFirst<channels>),
-                rounding_(x.second, Rounding::entered(b.second), nearest, ~kFirst<channels>)};
+        return {Words{rounding_(x.first, Rounding::entered(b.first), nearest, kFirst<channels>),
+                      rounding_(x.second, Rounding::entered(b.second), nearest, ~kFirst<channels>)}};
     }
     KPR_INLINE Row outside(const Kpr8u* src) const {
         const Words b = wordsOf<channels>(load(src, All{}));
-        return {Rounding::entered(b.first), Rounding::entered(b.second)};
+        return {Words{Rounding::entered(b.first), Rounding::entered(b.second)}};
+    }
+    KPR_INLINE void follow(const Row& above, Row& row) const {
+        row.rise = {asMade(row.b.first - above.b.first), asMade(row.b.second - above.b.second)};
     }
     template <typename At>
     KPR_INLINE Vec<Kpr8u> down(At row) const {
-        const Row &a = row(Turn<0>{}), &b = row(Turn<1>{}), &c = row(Turn<2>{});
-        const auto x = [](Vec<Kpr16s> above, Vec<Kpr16s> here, Vec<Kpr16s> below) {
-            return (above - here) + (below - here);
-        };
-        const Words result = {rounding_(x(a.first, b.first, c.first), b.first, All{}, 0),
-                              rounding_(x(a.second, b.second, c.second), b.second, All{}, 0)};
+        const Row &b = row(Turn<1>{}), &c = row(Turn<2>{});
+        const Words result = {rounding_(c.rise.first - b.rise.first, b.b.first, All{}, 0),
+                              rounding_(c.rise.second - b.rise.second, b.b.second, All{}, 0)};
         if constexpr (channels == 1) return bytesOf<1>(result);
         return bytesOf<channels>({Rounding::left(result.first), Rounding::left(result.second)});
     }
@@ -173,7 +176,8 @@ class ThreeTaps {
 
 // The taps 1 2 1, which are k = 1024 with d 0 or, of most sigmas, 1: a + 2b + c in quarters, of which d * b decides the
 // ties alone. All in bytes: with h the mean of a and c rounded down, and e the bit that this dropped, the sum is
-// 2 * (h + b) + e, a tie where e is 0 and h + b is odd. Where d is 1 a tie is rounded up unless b is 0.
+// 2 * (h + b) + e, a tie where e is 0 and h + b is odd. Where d is 1 a tie is rounded up unless b is 0, which is rare
+// enough to be looked for.
 template <int channels>
 class MeanTaps {
   public:
@@ -196,19 +200,25 @@ class MeanTaps {
     }
 
   private:
+    using V = Vec<Kpr8u>;
+
     template <typename Nearest>
-    KPR_INLINE Vec<Kpr8u> mean(Vec<Kpr8u> a, Vec<Kpr8u> b, Vec<Kpr8u> c, Nearest nearest) const {
-        using V = Vec<Kpr8u>;
+    KPR_INLINE V mean(V a, V b, V c, Nearest nearest) const {
+        constexpr int different = 0x28;  // (a ^ b) & c
         const V one = broadcast<Kpr8u>(1);
-        const V left = a ^ c;
-        const V h = average(a, c) - (left & one);
+        const V e = combine<different>(a, c, one);
+        const V h = average(a, c) - e;
         const V up = average(h, b);
-        constexpr int tie = 0x0f & (0xcc ^ 0xaa), all = 0x80;  // ~a & (b ^ c), a & b & c
-        const V less = keep<Kpr8u>(~n0::less(lastTied_, b), combine<all>(combine<tie>(left, h, b), up, one));
-        return up - merge(nearest, less, (h ^ b) & one);
+        V nearestEven = up;
+        const Mask<Kpr8u> mayTie = atMost(b, lastTied_);
+        if (mayTie != 0) [[unlikely]] {
+            constexpr int tie = 0x0f & (0xcc ^ 0xaa), all = 0x80;  // ~a & (b ^ c), a & b & c
+            nearestEven = up - keep<Kpr8u>(mayTie, combine<all>(combine<tie>(e, h, b), up, one));
+        }
+        return merge(nearest, nearestEven, up - combine<different>(h, b, one));
     }
 
-    Vec<Kpr8u> lastTied_;
+    V lastTied_;
 };
 
 }  // namespace n0::filter

@@ -43,6 +43,7 @@
 #undef _mm512_mask_blend_epi16
 #undef _mm512_mask_blend_epi8
 #undef _mm512_mask_cmp_ps_mask
+#undef _mm512_mask_cmplt_epu8_mask
 #undef _mm512_mask_i32gather_epi32
 #undef _mm512_mask_i32gather_epi64
 #undef _mm512_range_ps
@@ -424,6 +425,9 @@ KPR_INLINE __mmask64 _mm512_test_epi8_mask(__m512i a, __m512i b) {
 }
 KPR_INLINE __mmask32 _mm512_testn_epi16_mask(__m512i a, __m512i b) {
     return static_cast<__mmask32>(compared<Kpr16s>(a & b, __m512i{}, [](auto x, auto y) { return x == y; }));
+}
+KPR_INLINE __mmask64 _mm512_mask_cmplt_epu8_mask(__mmask64 mask, __m512i a, __m512i b) {
+    return mask & _mm512_cmplt_epu8_mask(a, b);
 }
 KPR_INLINE __mmask32 _mm512_mask_testn_epi16_mask(__mmask32 mask, __m512i a, __m512i b) {
     return mask & _mm512_testn_epi16_mask(a, b);

@@ -126,15 +126,21 @@ KPR_INLINE Vec<T> load(const T* src, Lanes part, Vec<T> others) {
     if constexpr (sizeof(T) == 8) return vec<T>(_mm512_mask_loadu_epi64(o, static_cast<__mmask8>(part.bits), src));
 }
 
-// The same for a vector that has several uses: GCC would read memory anew for each of them, and a vector that lies
-// across two cache lines costs two reads.
-template <typename T, typename Part>
-KPR_INLINE Vec<T> loadOnce(const T* src, Part part) {
-    Vec<T> v = load(src, part);
-#ifdef __AVX512BW__
+// The vector, which the compiler cannot look into: it stays as it was made, where making it anew from other values for
+// each use seems cheaper to GCC than it is.
+template <typename T>
+KPR_INLINE Vec<T> asMade(Vec<T> v) {
+#ifdef __AVX512BW__  // of two halves, no register holds it
     asm("" : "+v"(v.raw));
 #endif
     return v;
+}
+
+// A load of a vector that has several uses: GCC would read memory anew for each of them, and a vector that lies
+// across two cache lines costs two reads.
+template <typename T, typename Part>
+KPR_INLINE Vec<T> loadOnce(const T* src, Part part) {
+    return asMade(load(src, part));
 }
 
 template <typename T>
