@@ -222,18 +222,20 @@ class Window {
         eachStretch<kSampleLanes>(
             width_, [&]<int eighths>(First part, Kpr64s x) __attribute__((always_inline)) {
                 Vec<Kpr64f> withDx[eighths], withDy[eighths], squared[eighths];
-            for (int k = 0; k < eighths; ++k) withDx[k] = withDy[k] = squared[k] = zero<Kpr64f>();
-            const Kpr64f *first = first_ + x, *dx = dx_ + x, *dy = dy_ + x;
-            walk(x, part, [&, pitch = pitch_](Kpr64s y, Vec<Sample> v) __attribute__((always_inline)) {
-                takeTurns<eighths>([&](auto k) __attribute__((always_inline)) {
-                    const Kpr64s here = y * pitch + 8 * k;
-                    const auto d = load(first + here, All{}) - raised<k>(v);
-                    withDx[k] = fma(d, load(dx + here, All{}), withDx[k]);
-                    withDy[k] = fma(d, load(dy + here, All{}), withDy[k]);
-                    if constexpr (measures) squared[k] = fma(d, d, squared[k]);
-                });
-            });
-            sums.withDx += total(withDx);
+                for (int k = 0; k < eighths; ++k) withDx[k] = withDy[k] = squared[k] = zero<Kpr64f>();
+                const Kpr64f *first = first_ + x, *dx = dx_ + x, *dy = dy_ + x;
+                const Kpr64s pitch = pitch_;
+                walk(
+                    x, part, [&](Kpr64s y, Vec<Sample> v) __attribute__((always_inline)) {
+                        takeTurns<eighths>([&](auto k) __attribute__((always_inline)) {
+                            const Kpr64s here = y * pitch + 8 * k;
+                            const auto d = load(first + here, All{}) - raised<k>(v);
+                            withDx[k] = fma(d, load(dx + here, All{}), withDx[k]);
+                            withDy[k] = fma(d, load(dy + here, All{}), withDy[k]);
+                            if constexpr (measures) squared[k] = fma(d, d, squared[k]);
+                        });
+                    });
+                sums.withDx += total(withDx);
                 sums.withDy += total(withDy);
                 if constexpr (measures) sums.squared += total(squared);
             });
@@ -282,24 +284,25 @@ class Window {
         for (const auto& plane : {dx, dy})
             makeCells(cells, Rows<const Kpr32f>{plane.first, plane.step}, plane, width_, height_);
         gxx_ = gyy_ = gxy_ = 0.0;
-        eachStretch<32>(width_, [&]<int eighths>(First part, Kpr64s x) __attribute__((always_inline)) {
-            Vec<Kpr64f> xx[eighths], yy[eighths], xy[eighths];
-            for (int k = 0; k < eighths; ++k) xx[k] = yy[k] = xy[k] = zero<Kpr64f>();
-            const Kpr32f *fromX = dx.first + x, *fromY = dy.first + x;
-            Kpr64f *toX = dx_ + x, *toY = dy_ + x;
-            const Kpr64s wide = pitch_, height = height_;
-            for (Kpr64s y = 0; y < height; ++y, fromX += pitch, fromY += pitch, toX += wide, toY += wide) {
-                takeTurns<eighths>([&](auto k) __attribute__((always_inline)) {
-                    const Lanes some = {part.bits >> (8 * k)};
-                    const auto a = loadWidened(fromX + 8 * k, some), b = loadWidened(fromY + 8 * k, some);
-                    store(toX + 8 * k, a, All{});
-                    store(toY + 8 * k, b, All{});
-                    xx[k] = fma(a, a, xx[k]);
-                    yy[k] = fma(b, b, yy[k]);
-                    xy[k] = fma(a, b, xy[k]);
-                });
-            }
-            gxx_ += total(xx);
+        eachStretch<32>(
+            width_, [&]<int eighths>(First part, Kpr64s x) __attribute__((always_inline)) {
+                Vec<Kpr64f> xx[eighths], yy[eighths], xy[eighths];
+                for (int k = 0; k < eighths; ++k) xx[k] = yy[k] = xy[k] = zero<Kpr64f>();
+                const Kpr32f *fromX = dx.first + x, *fromY = dy.first + x;
+                Kpr64f *toX = dx_ + x, *toY = dy_ + x;
+                const Kpr64s wide = pitch_, height = height_;
+                for (Kpr64s y = 0; y < height; ++y, fromX += pitch, fromY += pitch, toX += wide, toY += wide) {
+                    takeTurns<eighths>([&](auto k) __attribute__((always_inline)) {
+                        const Lanes some = {part.bits >> (8 * k)};
+                        const auto a = loadWidened(fromX + 8 * k, some), b = loadWidened(fromY + 8 * k, some);
+                        store(toX + 8 * k, a, All{});
+                        store(toY + 8 * k, b, All{});
+                        xx[k] = fma(a, a, xx[k]);
+                        yy[k] = fma(b, b, yy[k]);
+                        xy[k] = fma(a, b, xy[k]);
+                    });
+                }
+                gxx_ += total(xx);
                 gyy_ += total(yy);
                 gxy_ += total(xy);
             });

@@ -658,7 +658,7 @@ KPR_INLINE __m512i _mm512_alignr_epi32(__m512i upper, __m512i lower, int count) 
     char both[128];
     __builtin_memcpy(both, &lower, 64);
     __builtin_memcpy(both + 64, &upper, 64);
-    return _mm512_loadu_si512(both + 4 * (count & 15));
+    return _mm512_loadu_si512(both + sizeof(int) * (count & 15));
 }
 KPR_INLINE __m512i _mm512_alignr_epi64(__m512i upper, __m512i lower, int count) {
     return _mm512_alignr_epi32(upper, lower, 2 * (count & 7));
@@ -682,8 +682,8 @@ KPR_LOOP __m512i _mm512_permutexvar_epi16(__m512i from, __m512i v) {
 KPR_INLINE __m512i _mm512_permutexvar_epi32(__m512i from, __m512i v) {
     return byHalves(
         [halves = halvesOf(v)](__m256i at) {
-            const __m256 lower = sameBits<__m256>(_mm256_permutevar8x32_epi32(halves.lower, at));
-            const __m256 upper = sameBits<__m256>(_mm256_permutevar8x32_epi32(halves.upper, at));
+            const auto lower = sameBits<__m256>(_mm256_permutevar8x32_epi32(halves.lower, at));
+            const auto upper = sameBits<__m256>(_mm256_permutevar8x32_epi32(halves.upper, at));
             return sameBits<__m256i>(_mm256_blendv_ps(lower, upper, sameBits<__m256>(_mm256_slli_epi32(at, 28))));
         },
         from);
@@ -800,9 +800,9 @@ KPR_LOOP __m512 _mm512_scalef_ps(__m512 a, __m512 b) {
 
 // The greater (5) or the lesser (4): a number before a quiet NaN, a signalling one before all, and -0 below +0.
 KPR_LOOP __m512 _mm512_range_ps(__m512 a, __m512 b, int which) {
-    const __m512i x = sameBits<__m512i>(a), y = sameBits<__m512i>(b);
+    const auto x = sameBits<__m512i>(a), y = sameBits<__m512i>(b);
     const bool greater = which == 5;
-    const __m512i chosen = sameBits<__m512i>(greater ? _mm512_max_ps(a, b) : _mm512_min_ps(a, b));
+    const auto chosen = sameBits<__m512i>(greater ? _mm512_max_ps(a, b) : _mm512_min_ps(a, b));
     const __m512i ofEqual = greater ? x & y : x | y;
     const __mmask16 aIsNumber = _mm512_cmp_ps_mask(a, a, _CMP_EQ_OQ), bIsNumber = _mm512_cmp_ps_mask(b, b, _CMP_EQ_OQ);
     __m512i result = blended<4>(_mm512_cmp_ps_mask(a, b, _CMP_EQ_OQ), chosen, ofEqual);

@@ -36,7 +36,7 @@ class WordRows {
     Kpr16u* operator[](int i) const { return row_[i]; }
 
   private:
-    static constexpr Kpr64s kBefore = 4, kBehind = 2 * kLanes<Kpr16u>;
+    static constexpr Kpr64s kBefore = 4, kBehind = 2 * Kpr64s{kLanes<Kpr16u>};
     Kpr16u* row_[2];
 };
 
@@ -112,7 +112,7 @@ class Halving {
                 even[end + c] = odd[end - channels + c];
             } else {
                 odd[end - channels + c] = even[end - channels + c];
-                even[end + c] = odd[end - 2 * channels + c];
+                even[end + c] = odd[end - Kpr64s{2} * channels + c];
             }
         }
     }
@@ -195,7 +195,7 @@ class Doubling {
         const Kpr64s end = endOfInside(layer_.src.width, layer_.dst.width);
         const Kpr64s last = end * channels;
         const auto step = [&](auto part, Kpr64s x) {
-            const auto at = [&](int shift) { return load(words + x + shift * channels, All{}); };
+            const auto at = [&](int shift) { return load(words + x + Kpr64s{shift} * channels, All{}); };
             const Words a = at(-1), b = at(0), c = at(1), both = b + c;
             const auto second = [](Words v, Signed by) { return as<Kpr16u>(mulHigh(as<Kpr16s>(v), by)); };
             const Words even = (b + half + second(a + c - (b + b), evenPart_)) >> (bits + 1);
@@ -203,8 +203,8 @@ class Doubling {
             putPairs(dst + 2 * x, even, odd, part);
         };
         for (Kpr64s x = channels; x < last; x += lanesOfStep) {
-            if (x + kLanes<Kpr16u> <= last)
-                step(All{}, x);  // of three channels the last two words are made anew
+            if (x + lanesOfStep <= last)
+                step(All{}, x);  // of three channels the last two words are made again, or an edge's
             else
                 step(First{2 * std::min<Kpr64s>(last - x, lanesOfStep)}, x);
         }
@@ -235,7 +235,8 @@ class Doubling {
                     const Kpr16u word = words[(columns.first[x] + m) * channels + c];
                     sum += *columns.weight(m, x) * static_cast<Kpr32f>(word);
                 }
-                dst[x * channels + c] = static_cast<Kpr8u>(sum / static_cast<Kpr32f>(2 * sum_) + 0.5F);
+                const Kpr32f rounded = sum / static_cast<Kpr32f>(2 * sum_) + 0.5F;
+                dst[x * channels + c] = static_cast<Kpr8u>(rounded);
             }
         }
     }

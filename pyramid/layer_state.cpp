@@ -18,10 +18,10 @@
 namespace n0::pyramid {
 namespace {
 
-constexpr int kAlignment = 64, kLanesOfRow = kLanes<Kpr32f>;
+constexpr Kpr64s kAlignment = 64, kLanesOfRow = kLanes<Kpr32f>;
 
 // Behind a working row: vectors are read from any of its pixels on, two at a time.
-constexpr int kBehindRow = 6 * kLanesOfRow;
+constexpr Kpr64s kBehindRow = 6 * kLanesOfRow;
 
 struct Sizes {
     KprSize src, dst;
@@ -38,11 +38,11 @@ struct Sizes {
 };
 
 Bytes weightBytes(Kpr64s taps, Kpr32s dstSide) {
-    return (4 * Bytes{taps} + 8) * roundUp(Kpr64s{dstSide}, kLanesOfRow) + 3 * kAlignment;
+    return (4 * Bytes{taps} + 8) * roundUp(Kpr64s{dstSide}, kLanesOfRow) + 3 * Bytes{kAlignment};
 }
 
 Bytes layerBytes(int channels, const Sizes& sizes) {
-    return 3 * kAlignment + Bytes{sizeof(Layer)} + weightBytes(sizes.mostTaps(sizes.src.width), sizes.dst.width) +
+    return 3 * Bytes{kAlignment} + sizeof(Layer) + weightBytes(sizes.mostTaps(sizes.src.width), sizes.dst.width) +
            weightBytes(sizes.mostTaps(sizes.src.height), sizes.dst.height) + Bytes{4} * channels * sizes.stride() +
            Bytes{8} * sizes.sums();
 }

@@ -30,10 +30,10 @@ KprStatus sizeOfRecord(int* pyramidSize, int* bufferSize, int level, KprSize siz
 }
 
 KprStatus makeRecord(KprPyramid** pyramid, int level, KprSize size, void* memory, void* buffer, Kpr32f rate) {
-    // The sizes are listed first, as the arrays can only be cut when their number is known.
-    const int room = std::max(size.width, size.height);
+    // The sizes are listed first, as the arrays can only be cut when their number is known. A side loses a pixel with
+    // each level at least, so that the list has room for them.
     auto* next = static_cast<char*>(buffer);
-    const int last = eachLevelBelow(size, rate, std::min(level, room), [&](KprSize below) {
+    const int last = eachLevelBelow(size, rate, level, [&](KprSize below) {
         __builtin_memcpy(next, &below, sizeof below);  // the buffer may lie anywhere
         next += sizeof below;
     });

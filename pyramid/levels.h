@@ -22,7 +22,8 @@ constexpr UpRange upRangeOf(Kpr64s side, Kpr32f rate) {
 
 // The ranges of neighbours follow one another without a gap, so that one of them has the side.
 constexpr Kpr32s sideBelow(Kpr32s side, Kpr32f rate) {
-    Kpr64s below = std::max<Kpr64s>(static_cast<Kpr64s>(static_cast<Kpr32f>(side) / rate + 0.5F), 1);
+    const Kpr32f nearest = static_cast<Kpr32f>(side) / rate + 0.5F;
+    auto below = std::max<Kpr64s>(static_cast<Kpr64s>(nearest), 1);
     while (side < upRangeOf(below, rate).min) --below;
     while (side > upRangeOf(below, rate).max) ++below;
     return static_cast<Kpr32s>(below);

@@ -25,16 +25,26 @@ class Resampler {
     void makeRows(Kpr64s begin, Kpr64s end) const {
         for (Kpr64s y = begin; y < end; ++y) {
             sumColumns(y);
-            if (layer_.spread == Spread::OneVector) sumRow<Spread::OneVector>(dst_[y]);
-            if (layer_.spread == Spread::TwoVectors) sumRow<Spread::TwoVectors>(dst_[y]);
-            if (layer_.spread == Spread::Any) sumRow<Spread::Any>(dst_[y]);
+            // Down at rates of up to 2, kernels of five taps are usual: their loops are unrolled.
+            const Kpr32s taps = layer_.columns.taps;
+            if (layer_.spread == Spread::OneVector) {
+                sumRow<Spread::OneVector>(dst_[y], taps);
+            } else if (layer_.spread == Spread::Any) {
+                sumRow<Spread::Any>(dst_[y], taps);
+            } else if (taps == 5) {
+                sumRow<Spread::TwoVectors>(dst_[y], Turn<5>{});
+            } else if (taps == 6) {
+                sumRow<Spread::TwoVectors>(dst_[y], Turn<6>{});
+            } else {
+                sumRow<Spread::TwoVectors>(dst_[y], taps);
+            }
         }
     }
 
   private:
     // The sum of weight(m) * pixel(v, m), for each of some vectors at once so that weights are fetched once.
     template <int vectors>
-    KPR_INLINE static void sum(Kpr32s taps, auto weight, auto pixel, Floats* sums) {
+    KPR_INLINE static void sum(auto taps, auto weight, auto pixel, Floats* sums) {
         for (int v = 0; v < vectors; ++v) sums[v] = zero<Kpr32f>();
         for (Kpr32s m = 0; m < taps; ++m) {
             const Floats w = weight(m);
@@ -42,7 +52,7 @@ class Resampler {
         }
     }
     template <int vectors>
-    KPR_INLINE static void sumFrom(auto base, Kpr32s taps, auto weight, auto pixel, Floats* sums) {
+    KPR_INLINE static void sumFrom(auto base, auto taps, auto weight, auto pixel, Floats* sums) {
         Floats a[vectors];
         for (int v = 0; v < vectors; ++v) a[v] = base(v);
         sum<vectors>(
@@ -92,7 +102,7 @@ class Resampler {
             Floats planes[vectors];
             if constexpr (channels == 3) separateThree(sums, planes);
             for (int v = 0; v < vectors; ++v) {  // behind the row there is room for a whole vector
-                if constexpr (channels == 1) store(layer_.planes + x + v * kStep, sums[v], All{});
+                if constexpr (channels == 1) store(layer_.planes + x + Kpr64s{v} * kStep, sums[v], All{});
                 if constexpr (channels == 3) store(layer_.planes + v * layer_.stride + x, planes[v], All{});
             }
         });
@@ -120,7 +130,7 @@ class Resampler {
     };
 
     template <Spread spread>
-    void sumRow(T* dst) const {
+    void sumRow(T* dst, auto taps) const {
         const AxisWeights& columns = layer_.columns;
         walkColumns<kStep, Loop::Rolled>(layer_.dst.width, [&](auto part, Kpr64s x) {
             const Picked<spread> first(columns.first + x), base(columns.base + x);
@@ -129,9 +139,9 @@ class Resampler {
             Floats sums[channels];
             if constexpr (kFromBase) {
                 const auto baseOf = [&](int c) { return base(layer_.planes + c * layer_.stride); };
-                sumFrom<channels>(baseOf, columns.taps, weight, pixel, sums);
+                sumFrom<channels>(baseOf, taps, weight, pixel, sums);
             } else {
-                sum<channels>(columns.taps, weight, pixel, sums);
+                sum<channels>(taps, weight, pixel, sums);
             }
             put(dst + x * channels, sums, part);
         });

@@ -89,25 +89,31 @@ class Layer {
     State* state_ = nullptr;
 };
 
+// Small ones that words serve, small ones that they do not, and others.
+const std::vector<std::vector<int>> kUsualKernels = {
+    {1, 4, 6, 4, 1}, {16, 64, 96, 64, 16}, {1, 2, 1},        {0, 4, 8, 4, 0}, {1},       {1, 1, 1},    {3, 10, 3},
+    {1, 0, 0, 0, 1}, {3, 8, 10, 8, 3},     {1, 0, 14, 0, 1}, {4, 0, 8, 0, 4}, {2, 1, 2}, {1, 3, 3, 1}, {-1, 6, -1},
+    {1, 4, 6, 4, 2}, {0, 8, 0, 8, 0},      {7, 1, 0, 1, 7}};
+
+template <typename T>
+std::vector<TapOf<T>> tapsOf(const std::vector<int>& kernel) {
+    return {kernel.begin(), kernel.end()};
+}
+
 template <typename T>
 std::vector<TapOf<T>> anyKernel(Random& random) {
-    static const std::vector<std::vector<int>> usual = {
-        {1, 4, 6, 4, 1}, {16, 64, 96, 64, 16}, {1, 2, 1}, {0, 4, 8, 4, 0}, {1},         {1, 1, 1},      {3, 10, 3},
-        {1, 0, 0, 0, 1}, {1, 0, 14, 0, 1},     {2, 1, 2}, {1, 3, 3, 1},    {-1, 6, -1}, {1, 4, 6, 4, 2}};
-    std::vector<TapOf<T>> kernel;
     if (!random.oneIn(3)) {
-        for (int tap :
-             usual[random.oneIn(2) ? 0 : static_cast<std::size_t>(random.range(0, static_cast<int>(usual.size()) - 1))])
-            kernel.push_back(static_cast<TapOf<T>>(tap));
-    } else {
-        const int n = random.oneIn(3) ? random.range(9, 40) : random.range(2, 8);
-        for (int i = 0; i < n; ++i) {
-            const int tap = random.range(random.oneIn(4) ? -100 : 0, 300);
-            kernel.push_back(static_cast<TapOf<T>>(std::is_same_v<T, Kpr32f> ? static_cast<float>(tap) / 700.0F
-                                                                             : static_cast<float>(tap)));
-        }
-        kernel[0] = static_cast<TapOf<T>>(kernel[0] + 200);  // not 0 all in all
+        const int last = static_cast<int>(kUsualKernels.size()) - 1;
+        return tapsOf<T>(kUsualKernels[static_cast<std::size_t>(random.oneIn(3) ? 0 : random.range(0, last))]);
     }
+    std::vector<TapOf<T>> kernel;
+    const int n = random.oneIn(3) ? random.range(9, 40) : random.range(2, 8);
+    for (int i = 0; i < n; ++i) {
+        const int tap = random.range(random.oneIn(4) ? -100 : 0, 300);
+        kernel.push_back(std::is_same_v<T, Kpr32f> ? static_cast<TapOf<T>>(static_cast<float>(tap) / 700.0F)
+                                                   : static_cast<TapOf<T>>(tap));
+    }
+    kernel[0] = static_cast<TapOf<T>>(kernel[0] + 200);  // not 0 all in all
     return kernel;
 }
 
@@ -120,7 +126,7 @@ float anyRate(Random& random) {
 template <typename T, typename State>
 void checkLayer(const Functions<T, State>& functions) {
     Random random;
-    const auto check = [&](KprSize larger, float rate, bool wild) {
+    const auto check = [&](KprSize larger, float rate, bool wild, const std::vector<TapOf<T>>& kernel) {
         const KprSize smaller = reference::sizeBelow(larger, rate);
         const KprSize srcSize = functions.down ? larger : smaller, dstSize = functions.down ? smaller : larger;
         GuardedImage<T> src(srcSize, random, functions.channels), dst(dstSize, random, functions.channels);
@@ -128,7 +134,6 @@ void checkLayer(const Functions<T, State>& functions) {
         if (wild && random.oneIn(2)) {  // few of them, so that most pixels have one neighbour that is not finite
             src.forEach([&](T& pixel) { pixel = random.oneIn(20) ? random.pixel<T>(true) : random.pixel<T>(); });
         }
-        const auto kernel = anyKernel<T>(random);
         Layer<T, State> layer(functions, larger, rate, kernel, random.range(0, 9));
         ASSERT_EQ(layer.make(src, dst), kprStatusOk);
         const reference::PyramidLayer<T> rule(functions.down, rate, srcSize, dstSize, kernel);
@@ -151,14 +156,15 @@ void checkLayer(const Functions<T, State>& functions) {
     };
     for (int round = 0; round < 3; ++round) {
         for (KprSize size : test::awkwardSizes()) {
-            check(size, round == 0 ? 2.0F : anyRate(random), random.oneIn(3));
+            check(size, round == 0 ? 2.0F : anyRate(random), random.oneIn(3), anyKernel<T>(random));
             if (testing::Test::HasFailure()) return;
         }
     }
     for (KprSize size : {KprSize{5, 300}, {67, 131}, {1100, 7}, {321, 241}}) {
-        check(size, 2.0F, false);
-        check(size, anyRate(random), false);
+        check(size, 2.0F, false, anyKernel<T>(random));
+        check(size, anyRate(random), false, anyKernel<T>(random));
     }
+    for (const std::vector<int>& kernel : kUsualKernels) check({67, 19}, 2.0F, false, tapsOf<T>(kernel));
 }
 
 TEST(PyramidLayer, Bytes) { checkLayer(DOWN(8u, C1R, 1)), checkLayer(UP(8u, C1R, 1)); }
