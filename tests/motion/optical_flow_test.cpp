@@ -282,6 +282,8 @@ void checkLadders() {
     Pyramid<T> image({{40, 30}, {20, 15}}, {1.0, 0.5}, random, [&](int, int x, int y) { return x * y % 200; });
     State<T> state(5, {40, 30});
     KprPyramid noImages = image.record, noSizes = image.record, noRates = image.record, noSteps = image.record;
+    KprPyramid shallow = image.record;
+    shallow.level = 0;
     noImages.pImage = nullptr;
     noSizes.pRoi = nullptr;
     noRates.pRate = nullptr;
@@ -296,7 +298,7 @@ void checkLadders() {
     for (const KprPyramid* record : {&noImages, &noSizes, &noRates, &noSteps})
         ladder.template refuses<0>(record, kprStatusNullPtr).template refuses<1>(record, kprStatusNullPtr);
     ladder.template refuses<8>(2, kprStatusBadArg);
-    ladder.run();
+    ladder.template refuses<0>(&shallow, kprStatusBadArg).template refuses<1>(&shallow, kprStatusBadArg).run();
     std::vector<Kpr8u> buffer(64);
     LADDER(Members<T>::init)
         .template with<2>(5)
@@ -410,6 +412,12 @@ TEST(OpticalFlow, OtherPointsDoNotMatter) {
     ASSERT_EQ(many.call<Kpr32f>(first.record, second.record, strange, 9, 0, 20, 0.001F, state.get()), kprStatusOk);
     EXPECT_EQ(many.status, std::vector<Kpr8u>({1, 1, 1, 0, 1}));
     EXPECT_TRUE(test::same(many.next[3].x, one.next[0].x) && test::same(many.next[3].y, one.next[0].y));
+    // A first step that is no number is no last one.
+    const std::vector<KprPoint32f> beside = {{43, 20}};
+    Tracks lost(beside);
+    ASSERT_EQ(lost.call<Kpr32f>(first.record, second.record, beside, 9, 0, 1, 0.001F, state.get()), kprStatusOk);
+    EXPECT_EQ(lost.status[0], 1);
+    EXPECT_EQ(lost.next[0].x, 43.0F);
 }
 
 // ---- a photograph
@@ -469,15 +477,15 @@ std::vector<KprPoint32f> texturedPoints(const Photo& photo) {
     for (int y = 24; y < 232; y += 16) {
         for (int x = 24; x < 296; x += 16) {
             double xx = 0, yy = 0, xy = 0;
-            for (int j = -8; j <= 8; ++j) {
-                for (int i = -8; i <= 8; ++i) {
+            for (int j = -8; j <= 8; j += 2) {
+                for (int i = -8; i <= 8; i += 2) {
                     const double dx = photo(x + i + 1, y + j) - photo(x + i - 1, y + j);
                     const double dy = photo(x + i, y + j + 1) - photo(x + i, y + j - 1);
                     xx += dx * dx, yy += dy * dy, xy += dx * dy;
                 }
             }
             const double smaller = (xx + yy - std::hypot(xx - yy, 2 * xy)) / 2;
-            if (smaller > 60000) points.push_back({static_cast<float>(x) + 0.37F, static_cast<float>(y) - 0.21F});
+            if (smaller > 16000) points.push_back({static_cast<float>(x) + 0.37F, static_cast<float>(y) - 0.21F});
         }
     }
     return points;
