@@ -104,9 +104,7 @@ target_link_libraries(kprcv_objects PRIVATE kprcv_build_flags)
 
 if(KPRCV_SANITIZE)
     set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
-    # Every operation on halves is a call or two where nothing is put inline: that takes ten times as long.
-    target_compile_options(kprcv_objects PRIVATE ${sanitizers} -fno-omit-frame-pointer
-        $<$<STREQUAL:${KPRCV_PROCESSOR},x86-64-v3>:-O1>)
+    target_compile_options(kprcv_objects PRIVATE ${sanitizers} -fno-omit-frame-pointer)
     # Filters leave out what is checked at every vector that is passed on, in minutes of compiling: scopes of
     # temporaries, and pointers that are null or odd, which the address sanitizer or the processor stops at.
     get_target_property(sources kprcv_objects SOURCES)

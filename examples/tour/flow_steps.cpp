@@ -1,52 +1,15 @@
 // Corners of the photograph, found again after it has moved, turned and grown.
 #include <cmath>
-#include <deque>
 #include <random>
 
 #include "examples/tour/canvas.h"
-#include "examples/tour/tour.h"
+#include "examples/tour/pyramid.h"
 
 namespace tour {
 namespace {
 
 constexpr Colour kTrackColour = {0, 230, 80}, kDoubtfulColour = {255, 210, 0}, kLostColour = {255, 60, 60};
-constexpr int kWindow = 21, kMaxLevel = 3;
-
-// A record over levels of half the size each, pixels being means of 2 x 2.
-class Pyramid {
-  public:
-    Pyramid(const Gray& image, int levels) {
-        images_.push_back(image);
-        for (int level = 1; level < levels; ++level) images_.push_back(halved(images_.back()));
-        for (Gray& gray : images_) {
-            pixels_.push_back(gray.data());
-            sizes_.push_back(gray.size());
-            rates_.push_back(std::pow(0.5, static_cast<double>(rates_.size())));
-            steps_.push_back(gray.step());
-        }
-        record_ = {pixels_.data(), sizes_.data(), rates_.data(), steps_.data(), nullptr, levels - 1};
-    }
-    const KprPyramid* record() const { return &record_; }
-
-  private:
-    static Gray halved(const Gray& image) {
-        Gray out(image.width / 2, image.height / 2);
-        for (int y = 0; y < out.height; ++y) {
-            for (int x = 0; x < out.width; ++x) {
-                const Kpr8u *above = image.from(2 * x, 2 * y), *below = image.from(2 * x, 2 * y + 1);
-                out.at(x, y) = static_cast<Kpr8u>((above[0] + above[1] + below[0] + below[1] + 2) / 4);
-            }
-        }
-        return out;
-    }
-
-    std::deque<Gray> images_;
-    std::vector<void*> pixels_;
-    std::vector<KprSize> sizes_;
-    std::vector<double> rates_;
-    std::vector<int> steps_;
-    KprPyramid record_ = {};
-};
+constexpr int kWindow = 21, kLevels = 3;
 
 // Where a point of the photograph comes to lie: turned and enlarged around the middle, then moved.
 struct Motion {
@@ -101,7 +64,7 @@ std::vector<KprPoint32f> cornersOf(const Gray& image, int most) {
 void showTracks(Tour& tour, const std::string& name, const Motion& motion) {
     const Gray& photo = tour.photo();
     const Gray second = motion.of(photo);
-    const Pyramid from(photo, kMaxLevel + 1), to(second, kMaxLevel + 1);
+    const Pyramid from(photo, 2.0F, kLevels), to(second, 2.0F, kLevels);
     const std::vector<KprPoint32f> points = cornersOf(photo, 500);
     const int count = static_cast<int>(points.size());
     int bytes = 0;
@@ -115,7 +78,7 @@ void showTracks(Tour& tour, const std::string& name, const Motion& motion) {
     const double time = tour.time("OpticalFlowPyrLK", [&] {
         found = points;
         return kpriOpticalFlowPyrLK_8u_C1R(from.record(), to.record(), points.data(), found.data(), status.data(),
-                                           error.data(), count, kWindow, kMaxLevel, 20, 0.01F, state);
+                                           error.data(), count, kWindow, from.record()->level, 20, 0.01F, state);
     });
     Canvas canvas(second);
     std::vector<double> misses;
