@@ -75,19 +75,38 @@ template <typename Rule, typename Src>
         s, out);
 }
 
-template <typename Rule, typename Dst>
-[[gnu::noinline]] void filterDown(const typename Rule::Middle* const* window, Kpr64s plane, Dst* dst, Kpr64s count) {
-    using Middle = typename Rule::Middle;
-    constexpr int size = 2 * Rule::kRadius + 1;
-    const Middle* rows[size];  // a copy: a store to dst could change the window, for all that a compiler knows
-    for (int i = 0; i < size; ++i) rows[i] = window[i];
-    walkRow<kLanes<typename Rule::Middle>>(
-        count,
-        [rows, plane, dst](auto part, Dst* d) {
-            Rule::down(
-                part, [=](int row, int which) { return rows[row] + which * plane + (d - dst); }, d);
+// What a walk calls for each row: the two steps of a rule, through pointers, so that one walk serves all rules of a type.
+template <typename Src, typename Middle>
+struct FixedSteps {
+    static constexpr int kMostRadius = 2, kMostPlanes = 3;
+    int radius, planes;
+    void (*across)(const Src* s, Middle* out, Kpr64s plane, Kpr64s count);
+    void* owner;
+    void (*down)(void* owner, const Middle* const* window, Kpr64s y);
+};
+
+template <typename Src, typename Middle>
+[[gnu::noinline]] void walkSteps(const FixedSteps<Src, Middle>& steps, Axis columns, Axis rows, Rows<const Src> src,
+                                 Src value, Middle* ring, Kpr64s plane) {
+    using Steps = FixedSteps<Src, Middle>;
+    constexpr Kpr64s lanes = kLanes<Middle>;
+    const int radius = steps.radius;
+    EdgedRows<Src, 1, lanes> edged(src, endOf(rows, radius), columns, radius, radius, &value, nullptr);
+    walkRing(
+        rows, radius, Ring<Middle>{ring, steps.planes * plane, nullptr},
+        [&](Kpr64s y, Middle* out) {
+            for (const RowPart<Src>& part : edged.row(y))
+                steps.across(part.src + radius, out + part.x, plane, part.count);
         },
-        dst);
+        [&](Middle* out) {  // a row of the constant is filtered like any other
+            Src constants[lanes + 2 * Steps::kMostRadius];
+            Middle filtered[Steps::kMostPlanes * lanes];
+            for (Src& pixel : constants) pixel = value;
+            steps.across(constants + radius, filtered, lanes, lanes);
+            for (int i = 0; i < steps.planes; ++i)
+                fillPixels<1>(out + Kpr64s{i} * plane, columns.size, filtered + Kpr64s{i} * lanes);
+        },
+        [&](const Middle* const* window, Kpr64s y) { steps.down(steps.owner, window, y); });
 }
 
 // Passes a ROI, or a strip of its columns, through a ring of 2 * kRadius + 1 rows of kPlanes planes: `down(window, y)`
@@ -96,24 +115,11 @@ template <typename Rule, typename Src, typename Down>
 void walkFixed(Axis columns, Axis rows, Rows<const Src> src, Src value, typename Rule::Middle* ring, Kpr64s plane,
                Down down) {
     using Middle = typename Rule::Middle;
-    constexpr int radius = Rule::kRadius;
-    constexpr Kpr64s lanes = kLanes<Middle>;
-    EdgedRows<Src, 1, lanes> edged(src, endOf(rows, radius), columns, radius, radius, &value, nullptr);
-    walkRing(
-        rows, radius, Ring<Middle>{ring, Rule::kPlanes * plane, nullptr},
-        [&](Kpr64s y, Middle* out) {
-            for (const RowPart<Src>& part : edged.row(y))
-                filterAcross<Rule>(part.src + radius, out + part.x, plane, part.count);
-        },
-        [&](Middle* out) {  // a row of the constant is filtered like any other
-            Src constants[lanes + radius + radius];
-            Middle filtered[Rule::kPlanes * lanes];
-            for (Src& pixel : constants) pixel = value;
-            filterAcross<Rule>(constants + radius, filtered, lanes, lanes);
-            for (int i = 0; i < Rule::kPlanes; ++i)
-                fillPixels<1>(out + Kpr64s{i} * plane, columns.size, filtered + Kpr64s{i} * lanes);
-        },
-        down);
+    const FixedSteps<Src, Middle> steps = {
+        Rule::kRadius, Rule::kPlanes, filterAcross<Rule, Src>, &down,
+        [](void* owner, const Middle* const* window, Kpr64s y) { (*static_cast<Down*>(owner))(window, y); }};
+    static_assert(Rule::kRadius <= steps.kMostRadius && Rule::kPlanes <= steps.kMostPlanes);
+    walkSteps(steps, columns, rows, src, value, ring, plane);
 }
 
 // Filters a ROI, or a strip of its columns, into an image.
@@ -121,8 +127,19 @@ template <typename Rule, typename Src, typename Dst>
 void filterFixed(Axis columns, Axis rows, Rows<const Src> src, Rows<Dst> dst, Src value, typename Rule::Middle* ring,
                  Kpr64s plane) {
     using Middle = typename Rule::Middle;
-    walkFixed<Rule>(columns, rows, src, value, ring, plane,
-                    [&](const Middle* const* from, Kpr64s y) { filterDown<Rule>(from, plane, dst[y], columns.size); });
+    constexpr int size = 2 * Rule::kRadius + 1;
+    walkFixed<Rule>(columns, rows, src, value, ring, plane, [=](const Middle* const* window, Kpr64s y) {
+        const Middle* from[size];  // a copy: a store to dst could change the window, for all that a compiler knows
+        for (int i = 0; i < size; ++i) from[i] = window[i];
+        Dst* const out = dst[y];
+        walkRow<kLanes<Middle>>(
+            columns.size,
+            [=](auto part, Dst* d) {
+                Rule::down(
+                    part, [=](int row, int which) { return from[row] + which * plane + (d - out); }, d);
+            },
+            out);
+    });
 }
 
 }  // namespace n0::filter

@@ -112,24 +112,22 @@ void smallMask(const Job<T>& job, Reaches reaches) {
             before = at;
             at = after;
         };
-        // Results at x are joined when the columns of the next vector are. Each way of making columns stands here once
-        // or twice and no more, as its code is long.
+        // The results at x are joined when the columns of the vector after it are made. Each way of making columns
+        // stands here once or twice and no more, as its code is long: the vectors in front of the row take their turns
+        // with those of its end.
         const auto columns = [&](Kpr64s x) __attribute__((always_inline)) {
             return all && x >= begin && x + lanes <= end ? inner(x) : any(x);
         };
-        // The results at x are joined when the columns of the vector after it are made.
-        before = any(-lanes);
-        at = columns(0);
-        Kpr64s x = 0;
-        for (; all && x + 2 * lanes <= end && x + lanes <= length; x += lanes) {
-            after = inner(x + lanes);
-            putPair(x, All{});
-            shift();
-        }
-        for (; x < length; x += lanes) {
+        for (Kpr64s x = -2 * lanes; x < length;) {
             after = columns(x + lanes);
-            putPair(x, First{std::min(lanes, length - x)});
+            if (x >= 0) putPair(x, First{std::min(lanes, length - x)});
             shift();
+            x += lanes;
+            for (; all && x >= 0 && x + 2 * lanes <= end && x + lanes <= length; x += lanes) {
+                after = inner(x + lanes);
+                putPair(x, All{});
+                shift();
+            }
         }
     }
 }
