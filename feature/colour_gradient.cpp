@@ -101,7 +101,7 @@ struct RootMeanSquare {
     }
     template <int turn>
     KPR_INLINE static First elementsOf(First part) {
-        return First{std::clamp<Kpr64s>(Kpr64s{3} * std::popcount(part.bits) - 48 * turn, 0, 48)};
+        return First{std::clamp<Kpr64s>(Kpr64s{3} * (std::popcount(part.bits) - 16 * turn), 0, 48)};
     }
 
     // Of sums that 32 bits may not hold. The third is so little that the integer is the root's or one less; which, says

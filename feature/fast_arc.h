@@ -15,18 +15,24 @@ namespace n0::feature {
 
 using Bytes64 = Vec<Kpr8u>;
 
-// Where points are looked for, and what an arc is.
+// Where points are looked for, and what an arc is. Behind the last point the first ones follow, up to a whole vector of
+// words.
 struct Ring {
-    Kpr64s offset[kMostPoints];  // bytes from the centre
+    Kpr64s offset[kMostPoints + 4];  // bytes from the centre
     int points;
     int arc;
     Kpr8u limit;
 
     Ring(const FastBlock& block, Kpr64s step) : points(circleOf(block.radius).points), arc(block.arc) {
         const Circle circle = circleOf(block.radius);
-        for (int i = 0; i < points; ++i) offset[i] = circle.point[i].y * step + circle.point[i].x;
+        for (int i = 0; i < wholeVectors(); ++i) {
+            const KprPoint point = circle.point[i % points];
+            offset[i] = point.y * step + point.x;
+        }
         limit = static_cast<Kpr8u>(block.limit < 0 ? 0 : block.limit < 255 ? block.limit : 255);
     }
+
+    [[nodiscard]] int wholeVectors() const { return (points + 7) & -8; }
 };
 
 struct Found {
@@ -56,8 +62,7 @@ KPR_INLINE Bits64 beyondInPairs(Bits64 some, Bytes64 a0, Bytes64 a1, Bytes64 b0,
     return Kind::beyond(Kind::beyond(some, Kind::outer(a0, a1), end), Kind::outer(b0, b1), end);
 }
 
-// The words of a circle of `n` points, one bit for each of 64 centres, eight words to a vector. Behind the last point
-// the first ones follow.
+// The words of a circle of `n` points, one bit for each of 64 centres, eight words to a vector.
 template <int n>
 class Circle64 {
     static_assert(n % 4 == 0);
@@ -65,7 +70,7 @@ class Circle64 {
   public:
     static constexpr int kWords = kLanes<Bits64>, kVectors = (n + kWords - 1) / kWords;
 
-    // `words` goes on with the first points up to a whole vector.
+    // The words fill vectors: behind those of the last point those of the first ones are repeated.
     KPR_INLINE explicit Circle64(const Bits64* words) {
         takeTurns<kVectors>([&](auto i) __attribute__((always_inline)) { word_[i] = load(words + i * kWords, All{}); });
     }
@@ -160,23 +165,19 @@ class AnyArc {
     }
 
   private:
-    static constexpr int kRoom = kMostPoints + kLanes<Bits64> / 2;
+    static constexpr int kMostWords = kMostPoints + 4;
 
     // Those of the candidates that have an arc: each point gives a word of either kind.
     template <typename Part>
     [[gnu::noinline]] Found arcs(Part part, const Kpr8u* c, Bytes64 high, Bytes64 low, Bits64 bright,
                                  Bits64 dark) const {
-        alignas(64) Bits64 brights[kRoom], darks[kRoom];
-        const int n = ring_.points;
-#pragma GCC unroll 4
-        for (int i = 0; i < n; ++i) {
-            const Bytes64 point = loadOnce(c + ring_.offset[i], part);
-            brights[i] = Bright::beyond(point, high);
-            darks[i] = Dark::beyond(point, low);
-        }
-        for (int i = 0; i < kLanes<Bits64> / 2; ++i) {
-            brights[n + i] = brights[i];
-            darks[n + i] = darks[i];
+        alignas(64) Bits64 brights[kMostWords], darks[kMostWords];
+        for (int i = 0; i < ring_.wholeVectors(); i += 8) {
+            takeTurns<8>([&](auto turn) __attribute__((always_inline)) {
+                const Bytes64 point = loadOnce(c + ring_.offset[i + turn], part);
+                brights[i + turn] = Bright::beyond(point, high);
+                darks[i + turn] = Dark::beyond(point, low);
+            });
         }
         Found found = {0, 0, zero<Kpr8u>()};
         if (bright != 0) found.bright = bright & stretchesIn(brights);
@@ -268,6 +269,8 @@ class Arc9Of16 {
             words.pair[i] = Kind::beyond(Kind::inner(p[2 * i], p[2 * i + 1]), end);
             words.end[i] = Kind::beyond(Kind::outer(p[(2 * i + 8) % 16], p[(2 * i + 15) % 16]), end);
         });
+        stayInMemory(words.pair);
+        stayInMemory(words.end);
         return words;
     }
 

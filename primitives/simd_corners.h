@@ -19,13 +19,19 @@ KPR_INLINE Kpr64s storePacked(T* dst, Vec<T> v, Mask<T> lanes) {
     return count;
 }
 
-// The lanes in memory, from where each is read by itself: GCC would take them out of the vector, by two operations each
-// that compete with those of vectors.
+// What lies in memory is read from there. Compilers would move lanes between vectors and other registers one by one,
+// by operations that compete with those of vectors.
+template <typename T, int count>
+KPR_INLINE void stayInMemory(T (&lanes)[count]) {
+    asm("" : "+m"(lanes));
+}
+
+// The lanes in memory, from where each is read by itself.
 struct Spilled {
     alignas(64) unsigned lane[16];
     KPR_INLINE explicit Spilled(Vec<Kpr32s> v) {
         store(lane, as<unsigned>(v), All{});
-        asm("" : "+m"(lane));
+        stayInMemory(lane);
     }
 };
 
