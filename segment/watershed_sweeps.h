@@ -5,7 +5,8 @@
 //
 //     cost = max(cost(n) + weight + 1, relief << 23)
 //
-// A pixel remembers the neighbour from which it took its cost, and follows when that one changes its label.
+// A pixel remembers the neighbour from which it took its cost, and follows when that one changes its label. Marching
+// fronts go pixel by pixel, other norms by the sixteens of watershed_lanes.h.
 #pragma once
 
 #include <bit>
