@@ -23,6 +23,45 @@ KPR_INLINE Kpr64s storePlaces(Kpr32s* dst, Bits64 set, Kpr64s base) {
     return count;
 }
 
+// ---- sixteen neighbouring pixels of a row, whose costs fill a vector
+
+// The labels of sixteen pixels, of 8 or 16 bits.
+template <typename T>
+struct Sixteen {
+    decltype(loadNarrow<16>(static_cast<const T*>(nullptr), All{})) raw;
+};
+
+template <typename T>
+KPR_INLINE Sixteen<T> loadSixteen(const T* src, Lanes part) {
+    return {loadNarrow<16>(src, part)};
+}
+
+// Those of some lanes, of the others what `others` has. Nothing else is read.
+KPR_INLINE Sixteen<Kpr8u> loadSixteen(const Kpr8u* src, Mask<Kpr32s> lanes, Sixteen<Kpr8u> others) {
+    return {_mm_mask_loadu_epi8(others.raw, lanes, src)};
+}
+KPR_INLINE Sixteen<Kpr16u> loadSixteen(const Kpr16u* src, Mask<Kpr32s> lanes, Sixteen<Kpr16u> others) {
+    return {_mm256_mask_loadu_epi16(others.raw, lanes, src)};
+}
+
+KPR_INLINE Vec<Kpr32s> widen(Sixteen<Kpr8u> v) { return vec<Kpr32s>(_mm512_cvtepu8_epi32(v.raw)); }
+KPR_INLINE Vec<Kpr32s> widen(Sixteen<Kpr16u> v) { return vec<Kpr32s>(_mm512_cvtepu16_epi32(v.raw)); }
+
+// Lane i is the place of the last set bit from 0 to i; -1 where there is none.
+KPR_INLINE Vec<Kpr32s> lastUpTo(Bits64 set) {
+    const auto upTo = laneConstant<Kpr32s>([](int i) { return (2 << i) - 1; });
+    const auto seen = upTo & broadcast(static_cast<Kpr32s>(set));
+    return broadcast(Kpr32s{31}) - vec<Kpr32s>(_mm512_lzcnt_epi32(bits(seen)));
+}
+
+// Lane i is the place of the first set bit from i to 15; -1 where there is none.
+KPR_INLINE Vec<Kpr32s> firstFrom(Bits64 set) {
+    const auto from = laneConstant<Kpr32s>([](int i) { return 0xffff & -(1 << i); });
+    const auto seen = from & broadcast(static_cast<Kpr32s>(set));
+    const auto lowest = seen & (zero<Kpr32s>() - seen);
+    return broadcast(Kpr32s{31}) - vec<Kpr32s>(_mm512_lzcnt_epi32(bits(lowest)));
+}
+
 // ---- the eight neighbours of a pixel, a byte each: left, right, above, below, upper left, upper right, lower left,
 // lower right
 

@@ -5,7 +5,8 @@
 //
 //     cost = max(cost(n) + weight + 1, relief << 23)
 //
-// A pixel remembers the neighbour from which it took its cost, and follows when that one changes its label.
+// A pixel remembers the neighbour from which it took its cost, and follows when that one changes its label. Marching
+// fronts go pixel by pixel, other norms by the sixteens of watershed_lanes.h.
 #pragma once
 
 #include <bit>
@@ -13,7 +14,7 @@
 
 #include "primitives/rows.h"
 #include "primitives/workspace.h"
-#include "segment/watershed_norms.h"
+#include "segment/watershed_lanes.h"
 #include "segment/watershed_walls.h"
 
 namespace n0::segment {
@@ -40,9 +41,10 @@ class SweptWatershed {
     }
 
     void run() {
-        if (norm_.family == Family::Four) sweep<Family::Four>();
-        if (norm_.family == Family::Eight) sweep<Family::Eight>();
-        if (norm_.family == Family::March) sweep<Family::March>();
+        const bool lanes = costsStayBelowFar(roi_);
+        if (norm_.family == Family::Four) lanes ? sweep<Family::Four, true>() : sweep<Family::Four, false>();
+        if (norm_.family == Family::Eight) lanes ? sweep<Family::Eight, true>() : sweep<Family::Eight, false>();
+        if (norm_.family == Family::March) sweep<Family::March, false>();
     }
 
     void drawWalls(bool diagonals) const {
@@ -51,8 +53,6 @@ class SweptWatershed {
     }
 
   private:
-    static constexpr Kpr32s kUnreached = 0x7fc00000;
-
     // A way to a pixel: the cost of a neighbour with the weight of the step from it, and below that its turn, in one
     // word, so that the smaller word is the better way. Beside comes first, then the first corner, above or below, the
     // other corner.
@@ -74,18 +74,21 @@ class SweptWatershed {
         return way.turn() == kBeside ? kRight : dy < 0 ? kAbove : kBelow;
     }
 
-    template <Family family>
+    // The pass down that begins, the pass up that visits all pixels, those that visit dirty ones.
+    enum class Pass { First, All, Dirty };
+
+    template <Family family, bool lanes>
     void sweep() {
-        beginRow(0);
+        beginRow(0, kUnreached);
         firstRow();
         if (height_ == 1) return;
-        for (Kpr64s y = 1; y < height_; ++y) firstVisit<family>(y);
-        for (Kpr64s y = height_ - 2; y >= 0; --y) visit<family, 1, false>(y);
+        for (Kpr64s y = 1; y < height_; ++y) firstVisit<family, lanes>(y);
+        for (Kpr64s y = height_ - 2; y >= 0; --y) visit<family, 1, Pass::All, lanes>(y);
         bool changed = true;
         while (changed) {
-            for (Kpr64s y = 1; y < height_; ++y) visit<family, -1, true>(y);
+            for (Kpr64s y = 1; y < height_; ++y) visit<family, -1, Pass::Dirty, lanes>(y);
             changed = false;
-            for (Kpr64s y = height_ - 2; y >= 0; --y) changed |= visit<family, 1, true>(y);
+            for (Kpr64s y = height_ - 2; y >= 0; --y) changed |= visit<family, 1, Pass::Dirty, lanes>(y);
         }
     }
 
@@ -96,12 +99,15 @@ class SweptWatershed {
         return std::max(plus(sum, 1), Kpr32s{src_[y][x]} << 23);
     }
 
-    void beginRow(Kpr64s y) {
-        for (Kpr64s x = 0; x < width_; ++x) {
-            const bool marked = labels_[y][x] != 0;
-            costs_[y * width_ + x] = marked ? Kpr32s{src_[y][x]} << 23 : kUnreached;
-            codes_[y * width_ + x] = marked ? kMarked : kNowhere;
-        }
+    void beginRow(Kpr64s y, Kpr32s unreached) {
+        walkRow<kLanes<Kpr32s>>(
+            width_,
+            [=](auto part, const Kpr8u* src, const Label* label, Kpr32s* cost, Kpr8u* code) {
+                const auto unmarked = equal(loadAs<Kpr32s>(label, part), zero<Kpr32s>());
+                store(cost, select<Kpr32s>(unmarked, broadcast(unreached), loadAs<Kpr32s>(src, part) << 23), part);
+                storeAs(code, select<Kpr32s>(unmarked, broadcast(Kpr32s{kNowhere}), broadcast(Kpr32s{kMarked})), part);
+            },
+            src_[y], static_cast<const Label*>(labels_[y]), costs_ + y * width_, codes_ + y * width_);
     }
 
     KPR_INLINE void take(Kpr64s x, Kpr64s y, Kpr32s cost, Kpr8u from) {
@@ -127,9 +133,15 @@ class SweptWatershed {
         if (cost < costs_[i]) take(x, y, cost, directionOf<dy, false>(way));
     }
 
-    template <Family family>
+    template <Family family, bool lanes>
     void firstVisit(Kpr64s y) {
-        beginRow(y);
+        if constexpr (lanes) {
+            beginRow(y, std::numeric_limits<Kpr32s>::max());
+            walkLanes<family, -1, true, Pass::First>(y);
+            walkLanes<family, -1, false, Pass::First>(y);
+            return;
+        }
+        beginRow(y, kUnreached);
         for (Kpr64s x = 0; x < width_; ++x) {
             if (codes_[y * width_ + x] == kMarked) continue;
             const Way way = wayRightward<family, -1>(x, y);
@@ -176,38 +188,88 @@ class SweptWatershed {
         return way;
     }
 
-    // Visits a row, against the row `dy` away, to the right and back; of a row at rest nothing, and where `checking`
-    // only dirty pixels. Tells whether anything changed.
-    template <Family family, int dy, bool checking>
+    // Visits a row, against the row `dy` away, to the right and back: all of it, or of a row at rest nothing and else its
+    // dirty pixels. Tells whether anything changed.
+    template <Family family, int dy, Pass pass, bool lanes>
     bool visit(Kpr64s y) {
-        if (checking && rowFlags_[y] == 0) return false;
+        if (pass == Pass::Dirty && rowFlags_[y] == 0) return false;
         bool changed = false;
-        Bits64* const dirty = dirty_ + y * words_;
-        for (Kpr64s word = 0; word < words_; ++word) {
-            const Bits64 inRow = First{std::min<Kpr64s>(64, width_ - word * 64)}.bits;
-            Bits64 ahead = inRow;
-            while (const Bits64 next = (checking ? dirty[word] : ~Bits64{0}) & ahead) {
-                const Kpr64s x = word * 64 + std::countr_zero(next);
-                ahead = inRow & ~(next ^ (next - 1));
-                if (codes_[y * width_ + x] != kMarked)
-                    changed |= settle<family, dy, true>(x, y, wayRightward<family, dy>(x, y));
-            }
-        }
-        for (Kpr64s word = words_ - 1; word >= 0; --word) {
-            const Bits64 inRow = First{std::min<Kpr64s>(64, width_ - 1 - word * 64)}.bits;
-            Bits64 ahead = inRow;
-            while (const Bits64 next = (checking ? dirty[word] : ~Bits64{0}) & ahead) {
-                const int bit = 63 - std::countl_zero(next);
-                const Kpr64s x = word * 64 + bit;
-                ahead = inRow & ((Bits64{1} << bit) - 1);
-                if (codes_[y * width_ + x] != kMarked)
-                    changed |= settle<family, dy, false>(x, y, wayLeftward<family, dy>(x, y));
-            }
+        if constexpr (lanes) {
+            changed |= walkLanes<family, dy, true, pass>(y);
+            changed |= walkLanes<family, dy, false, pass>(y);
+        } else {
+            changed |= walk<family, dy, true, pass>(y);
+            changed |= walk<family, dy, false, pass>(y);
         }
         rowFlags_[y] = 0;
         rowFlags_[y - 1] |= changed ? 1 : 0;
         rowFlags_[y + 1] |= changed ? 1 : 0;
         return changed;
+    }
+
+    template <Family family, int dy, bool rightward, Pass pass>
+    bool walk(Kpr64s y) {
+        bool changed = false;
+        Bits64* const dirty = dirty_ + y * words_;
+        for (Kpr64s i = 0; i < words_; ++i) {
+            const Kpr64s word = rightward ? i : words_ - 1 - i;
+            // The last one has nothing on its right.
+            const Bits64 turn = lowBits(std::min<Kpr64s>(64, (rightward ? width_ : width_ - 1) - word * 64));
+            Bits64 ahead = turn;
+            while (const Bits64 next = (pass == Pass::Dirty ? dirty[word] : ~Bits64{0}) & ahead) {
+                const int bit = rightward ? std::countr_zero(next) : 63 - std::countl_zero(next);
+                const Kpr64s x = word * 64 + bit;
+                ahead = turn & (rightward ? ~Bits64{1} << bit : (Bits64{1} << bit) - 1);
+                if (codes_[y * width_ + x] == kMarked) continue;
+                if constexpr (rightward)
+                    changed |= settle<family, dy, true>(x, y, wayRightward<family, dy>(x, y));
+                else
+                    changed |= settle<family, dy, false>(x, y, wayLeftward<family, dy>(x, y));
+            }
+        }
+        return changed;
+    }
+
+    template <Family family, int dy, bool rightward, Pass pass>
+    bool walkLanes(Kpr64s y) {
+        const LaneVisits<family, dy, rightward, pass == Pass::First> visits(norm_, parents_);
+        const SweptRow<Label> row{src_[y], labels_[y], costs_ + y * width_, codes_ + y * width_, width_};
+        bool any = false;
+        for (Kpr64s i = 0; i < words_; ++i) {
+            const Kpr64s word = rightward ? i : words_ - 1 - i;
+            const Bits64 inRow = lowBits(std::min<Kpr64s>(64, width_ - word * 64));
+            Bits64 due = pass == Pass::Dirty ? dirty_[y * words_ + word] & inRow : inRow, changed = 0;
+            if (due == 0) continue;
+            for (int group = 0; group < 4; ++group) {
+                const int first = 16 * (rightward ? group : 3 - group);
+                if ((due >> first & 0xffff) == 0) continue;
+                const Bits64 found = visits.visit(row, word * 64 + first) << first;
+                changed |= found;
+                due |= (rightward ? found << 1 : found >> 1) & inRow;
+            }
+            if constexpr (pass != Pass::First) markAround<family, rightward>(y, word, changed);
+            any |= changed != 0;
+        }
+        return any;
+    }
+
+    // Around those of a word that have changed, all others being clean: in their own row those ahead have been visited
+    // since, or are in the next word.
+    template <Family family, bool rightward>
+    KPR_INLINE void markAround(Kpr64s y, Kpr64s word, Bits64 changed) {
+        Bits64* const own = dirty_ + y * words_ + word;
+        *own = rightward ? changed >> 1 : changed << 1;
+        if (changed == 0) return;
+        const Bits64 before = word > 0 ? changed << 63 : 0, behind = word + 1 < words_ ? changed >> 63 : 0;
+        const auto markBeside = [&](Bits64 * dirty) __attribute__((always_inline)) {
+            if (before != 0) dirty[-1] |= before;
+            if (behind != 0) dirty[1] |= behind;
+        };
+        markBeside(own);
+        for (Bits64* const other : {own - words_, own + words_}) {
+            *other |= family == Family::Eight ? changed | changed << 1 | changed >> 1 : changed;
+            if (family == Family::Eight) markBeside(other);
+        }
     }
 
     // Takes a better way, or else the label of the neighbour that the present one comes from.

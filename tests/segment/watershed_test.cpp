@@ -104,6 +104,15 @@ TEST(Watershed, OfFloats) {
     checkAll(kpriSegmentWatershed_32f16u_C1IR, kpriSegmentWatershedGetBufferSize_32f16u_C1R, kprSegIterative, 4);
 }
 
+// So far from every marker that costs are worked out pixel by pixel.
+TEST(Watershed, OfRowsTooLongForLanes) {
+    Random random;
+    for (int norm = 0; norm < 3; ++norm) {
+        check(kpriSegmentWatershed_8u_C1IR, kpriSegmentWatershedGetBufferSize_8u_C1R, {262200, 2}, norm,
+              kprSegIterative | 0, random);
+    }
+}
+
 // The path of a serpentine turns back against the sweeps at every other row.
 TEST(Watershed, SerpentineIsFloodedToItsEnd) {
     Random random;
