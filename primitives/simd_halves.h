@@ -5,6 +5,7 @@
 
 #include <immintrin.h>
 
+#include <bit>
 #include <type_traits>
 
 // What compilers define as macros would take the place of the functions below.
@@ -545,6 +546,9 @@ KPR_INLINE __m256i _mm256_maskz_loadu_epi8(__mmask32 mask, const void* src) {
     return loadedSome<Kpr8u>(__m256i{}, mask, src);
 }
 KPR_INLINE void _mm256_mask_storeu_epi8(void* dst, __mmask32 mask, __m256i v) { storeSome<Kpr8u>(dst, mask, v); }
+KPR_INLINE __m256i _mm256_mask_loadu_epi16(__m256i others, __mmask16 mask, const void* src) {
+    return loadedSome<Kpr16u>(others, mask, src);
+}
 KPR_INLINE __m256i _mm256_maskz_loadu_epi16(__mmask16 mask, const void* src) {
     return loadedSome<Kpr16u>(__m256i{}, mask, src);
 }
@@ -556,6 +560,9 @@ KPR_INLINE __m256i _mm256_maskz_loadu_epi32(__mmask8 mask, const void* src) {
     return loadedSome<Kpr32s>(__m256i{}, mask, src);
 }
 KPR_INLINE void _mm256_mask_storeu_epi32(void* dst, __mmask8 mask, __m256i v) { storeSome<Kpr32s>(dst, mask, v); }
+KPR_INLINE __m128i _mm_mask_loadu_epi8(__m128i others, __mmask16 mask, const void* src) {
+    return loadedSome<Kpr8u>(others, mask, src);
+}
 KPR_INLINE __m128i _mm_maskz_loadu_epi8(__mmask16 mask, const void* src) {
     return loadedSome<Kpr8u>(__m128i{}, mask, src);
 }
@@ -767,6 +774,10 @@ KPR_LOOP __m512i _mm512_sllv_epi16(__m512i v, __m512i counts) {
 KPR_LOOP __m512i _mm512_srlv_epi16(__m512i v, __m512i counts) {
     const auto x = lanesOf<Kpr16u>(v), n = lanesOf<Kpr16u>(counts);
     return fromLanes<Kpr16u, __m512i>([&](int i) { return n.lane[i] > 15 ? 0 : x.lane[i] >> n.lane[i]; });
+}
+KPR_LOOP __m512i _mm512_lzcnt_epi32(__m512i v) {
+    const auto x = lanesOf<unsigned>(v);
+    return fromLanes<unsigned, __m512i>([&](int i) { return std::countl_zero(x.lane[i]); });
 }
 KPR_LOOP __m512i _mm512_rolv_epi32(__m512i v, __m512i counts) {
     const auto x = lanesOf<unsigned>(v), n = lanesOf<unsigned>(counts);
