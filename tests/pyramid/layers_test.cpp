@@ -21,38 +21,56 @@ using test::Random;
 template <typename T>
 using TapOf = std::conditional_t<std::is_same_v<T, Kpr32f>, Kpr32f, Kpr16s>;
 
-// The functions of one type, in either direction. `Up` needs no buffer in its sizing call.
+// The functions of one type, in one direction. Only down, the sizing call gives a buffer's size too.
 template <typename T, typename State>
 struct Functions {
-    using Tap = TapOf<T>;
-    std::function<KprStatus(KprSize, Kpr32f, int, int*)> size;
-    KprStatus (*init)(State**, KprSize, Kpr32f, const Tap*, int, int, Kpr8u*, Kpr8u*);
+    static constexpr bool down = std::is_same_v<State, KprPyramidDownState>;
+    std::conditional_t<down, KprStatus (*)(KprSize, Kpr32f, int, int*, int*), KprStatus (*)(KprSize, Kpr32f, int, int*)>
+        size;
+    KprStatus (*init)(State**, KprSize, Kpr32f, const TapOf<T>*, int, int, Kpr8u*, Kpr8u*);
     KprStatus (*make)(const T*, int, KprSize, T*, int, KprSize, State*);
     int channels;
-    static constexpr bool down = std::is_same_v<State, KprPyramidDownState>;
+
+    std::size_t bytes(KprSize larger, float rate, std::size_t taps) const {
+        int state = 0, buffer = 1;
+        if constexpr (down)
+            EXPECT_EQ(size(larger, rate, static_cast<int>(taps), &state, &buffer), kprStatusOk);
+        else
+            EXPECT_EQ(size(larger, rate, static_cast<int>(taps), &state), kprStatusOk);
+        EXPECT_GT(buffer, 0);
+        return static_cast<std::size_t>(state);
+    }
 };
 
 template <typename T>
-Functions<T, KprPyramidDownState> downOf(auto size, auto init, auto make, int channels) {
-    return {[size](KprSize roi, Kpr32f rate, int n, int* bytes) {
-                int buffer = 0;
-                const KprStatus status = size(roi, rate, n, bytes, &buffer);
-                EXPECT_GT(buffer, 0);
-                return status;
-            },
-            init, make, channels};
-}
+using Down = Functions<T, KprPyramidDownState>;
 template <typename T>
-Functions<T, KprPyramidUpState> upOf(auto size, auto init, auto make, int channels) {
-    return {size, init, make, channels};
-}
+using Up = Functions<T, KprPyramidUpState>;
 
-#define DOWN(type, form, channels)                                                                           \
-    downOf<Kpr##type>(kpriPyramidLayerDownGetSize_##type##_##form, kpriPyramidLayerDownInit_##type##_##form, \
-                      kpriPyramidLayerDown_##type##_##form, channels)
-#define UP(type, form, channels)                                                                       \
-    upOf<Kpr##type>(kpriPyramidLayerUpGetSize_##type##_##form, kpriPyramidLayerUpInit_##type##_##form, \
-                    kpriPyramidLayerUp_##type##_##form, channels)
+const Down<Kpr8u> kDown8uC1 = {kpriPyramidLayerDownGetSize_8u_C1R, kpriPyramidLayerDownInit_8u_C1R,
+                               kpriPyramidLayerDown_8u_C1R, 1};
+const Down<Kpr8u> kDown8uC3 = {kpriPyramidLayerDownGetSize_8u_C3R, kpriPyramidLayerDownInit_8u_C3R,
+                               kpriPyramidLayerDown_8u_C3R, 3};
+const Down<Kpr16u> kDown16uC1 = {kpriPyramidLayerDownGetSize_16u_C1R, kpriPyramidLayerDownInit_16u_C1R,
+                                 kpriPyramidLayerDown_16u_C1R, 1};
+const Down<Kpr16u> kDown16uC3 = {kpriPyramidLayerDownGetSize_16u_C3R, kpriPyramidLayerDownInit_16u_C3R,
+                                 kpriPyramidLayerDown_16u_C3R, 3};
+const Down<Kpr32f> kDown32fC1 = {kpriPyramidLayerDownGetSize_32f_C1R, kpriPyramidLayerDownInit_32f_C1R,
+                                 kpriPyramidLayerDown_32f_C1R, 1};
+const Down<Kpr32f> kDown32fC3 = {kpriPyramidLayerDownGetSize_32f_C3R, kpriPyramidLayerDownInit_32f_C3R,
+                                 kpriPyramidLayerDown_32f_C3R, 3};
+const Up<Kpr8u> kUp8uC1 = {kpriPyramidLayerUpGetSize_8u_C1R, kpriPyramidLayerUpInit_8u_C1R, kpriPyramidLayerUp_8u_C1R,
+                           1};
+const Up<Kpr8u> kUp8uC3 = {kpriPyramidLayerUpGetSize_8u_C3R, kpriPyramidLayerUpInit_8u_C3R, kpriPyramidLayerUp_8u_C3R,
+                           3};
+const Up<Kpr16u> kUp16uC1 = {kpriPyramidLayerUpGetSize_16u_C1R, kpriPyramidLayerUpInit_16u_C1R,
+                             kpriPyramidLayerUp_16u_C1R, 1};
+const Up<Kpr16u> kUp16uC3 = {kpriPyramidLayerUpGetSize_16u_C3R, kpriPyramidLayerUpInit_16u_C3R,
+                             kpriPyramidLayerUp_16u_C3R, 3};
+const Up<Kpr32f> kUp32fC1 = {kpriPyramidLayerUpGetSize_32f_C1R, kpriPyramidLayerUpInit_32f_C1R,
+                             kpriPyramidLayerUp_32f_C1R, 1};
+const Up<Kpr32f> kUp32fC3 = {kpriPyramidLayerUpGetSize_32f_C3R, kpriPyramidLayerUpInit_32f_C3R,
+                             kpriPyramidLayerUp_32f_C3R, 3};
 
 // A layer in exactly as many bytes as its sizing call asks for.
 template <typename T, typename State>
@@ -62,7 +80,7 @@ class Layer {
 
     Layer(const Functions<T, State>& functions, KprSize larger, float rate, const std::vector<Tap>& kernel, int odd)
         : functions_(functions),
-          memory_(bytesOf(functions, larger, rate, kernel) + static_cast<std::size_t>(odd), Guard::After) {
+          memory_(functions.bytes(larger, rate, kernel.size()) + static_cast<std::size_t>(odd), Guard::After) {
         auto taps = kernel;
         Kpr8u buffer[64];
         EXPECT_EQ(functions.init(&state_, larger, rate, taps.data(), static_cast<int>(taps.size()), 2,
@@ -77,13 +95,6 @@ class Layer {
     State* state() const { return state_; }
 
   private:
-    static std::size_t bytesOf(const Functions<T, State>& functions, KprSize larger, float rate,
-                               const std::vector<Tap>& kernel) {
-        int bytes = 0;
-        EXPECT_EQ(functions.size(larger, rate, static_cast<int>(kernel.size()), &bytes), kprStatusOk);
-        return static_cast<std::size_t>(bytes);
-    }
-
     const Functions<T, State>& functions_;
     GuardedBytes memory_;
     State* state_ = nullptr;
@@ -167,21 +178,20 @@ void checkLayer(const Functions<T, State>& functions) {
     for (const std::vector<int>& kernel : kUsualKernels) check({67, 19}, 2.0F, false, tapsOf<T>(kernel));
 }
 
-TEST(PyramidLayer, Bytes) { checkLayer(DOWN(8u, C1R, 1)), checkLayer(UP(8u, C1R, 1)); }
-TEST(PyramidLayer, BytesOfThreeChannels) { checkLayer(DOWN(8u, C3R, 3)), checkLayer(UP(8u, C3R, 3)); }
-TEST(PyramidLayer, Words) { checkLayer(DOWN(16u, C1R, 1)), checkLayer(UP(16u, C1R, 1)); }
-TEST(PyramidLayer, WordsOfThreeChannels) { checkLayer(DOWN(16u, C3R, 3)), checkLayer(UP(16u, C3R, 3)); }
-TEST(PyramidLayer, Floats) { checkLayer(DOWN(32f, C1R, 1)), checkLayer(UP(32f, C1R, 1)); }
-TEST(PyramidLayer, FloatsOfThreeChannels) { checkLayer(DOWN(32f, C3R, 3)), checkLayer(UP(32f, C3R, 3)); }
+TEST(PyramidLayer, Bytes) { checkLayer(kDown8uC1), checkLayer(kUp8uC1); }
+TEST(PyramidLayer, BytesOfThreeChannels) { checkLayer(kDown8uC3), checkLayer(kUp8uC3); }
+TEST(PyramidLayer, Words) { checkLayer(kDown16uC1), checkLayer(kUp16uC1); }
+TEST(PyramidLayer, WordsOfThreeChannels) { checkLayer(kDown16uC3), checkLayer(kUp16uC3); }
+TEST(PyramidLayer, Floats) { checkLayer(kDown32fC1), checkLayer(kUp32fC1); }
+TEST(PyramidLayer, FloatsOfThreeChannels) { checkLayer(kDown32fC3), checkLayer(kUp32fC3); }
 
 // Where the taps are small integers the whole quotient is rounded, halves up: no sum on the way is.
 TEST(PyramidLayer, HalvingIsExact) {
     Random random;
-    const auto functions = DOWN(8u, C1R, 1);
     constexpr int taps[] = {1, 4, 6, 4, 1};
     GuardedImage<Kpr8u> src({641, 95}, random), dst({321, 48}, random);
     src.forEach([&](Kpr8u& pixel) { pixel = static_cast<Kpr8u>(random.range(0, 3)); });  // halves are common
-    Layer<Kpr8u, KprPyramidDownState> layer(functions, src.size(), 2.0F, {1, 4, 6, 4, 1}, 0);
+    Layer<Kpr8u, KprPyramidDownState> layer(kDown8uC1, src.size(), 2.0F, {1, 4, 6, 4, 1}, 0);
     ASSERT_EQ(layer.make(src, dst), kprStatusOk);
     const auto inside = [](int i, int n) { return i < 0 ? -1 - i : i >= n ? 2 * n - 1 - i : i; };
     test::expectImage(dst, [&](int x, int y, int) {
@@ -215,9 +225,9 @@ void checkEven(const Functions<T, State>& functions) {
 }
 
 TEST(PyramidLayer, EvenAreasStay) {
-    checkEven(DOWN(8u, C3R, 3)), checkEven(UP(8u, C1R, 1));
-    checkEven(DOWN(16u, C1R, 1)), checkEven(UP(16u, C3R, 3));
-    checkEven(DOWN(32f, C1R, 1)), checkEven(UP(32f, C3R, 3));
+    checkEven(kDown8uC3), checkEven(kUp8uC1);
+    checkEven(kDown16uC1), checkEven(kUp16uC3);
+    checkEven(kDown32fC1), checkEven(kUp32fC3);
 }
 
 template <int rate, int taps, typename Ladder>
@@ -231,53 +241,46 @@ Ladder& refusesShapes(Ladder& ladder) {
     return ladder.template refuses<taps>(0, kprStatusBadArg).template refuses<taps>(-3, kprStatusBadArg);
 }
 
-template <typename T>
-void checkLadders(auto size, auto init, auto make, auto* state, int channels) {
-    constexpr bool down = std::is_same_v<decltype(state), KprPyramidDownState*>;
-    auto sizing = LADDER(size);
+template <typename T, typename State>
+void checkLadders(const Functions<T, State>& functions) {
+    constexpr bool down = Functions<T, State>::down;
+    auto sizing = test::Ladder("size", functions.size);
     withShape<1, 2>(sizing).nulls().sizes();
     refusesShapes<1, 2>(sizing).template refuses<0>({INT32_MAX, INT32_MAX}, kprStatusSizeOverflow).run();
+
     const std::vector<TapOf<T>> kernel = {1, 2, 1}, none = {1, -2, 1};
     std::vector<Kpr8u> memory(20000);
-    auto ladder = LADDER(init);
-    withShape<2, 4>(ladder).template with<3>(kernel.data()).template with<5>(2).template with<6>(memory.data());
-    ladder.template refuses<5>(1, kprStatusBadArg).template refuses<5>(0, kprStatusBadArg);
-    ladder.nulls(down ? std::vector<int>{} : std::vector<int>{3}).sizes();
-    refusesShapes<2, 4>(ladder).template refuses<3>(none.data(), kprStatusBadArg).run();
+    auto init = test::Ladder("init", functions.init);
+    withShape<2, 4>(init).template with<3>(kernel.data()).template with<5>(2).template with<6>(memory.data());
+    init.template refuses<5>(1, kprStatusBadArg).template refuses<5>(0, kprStatusBadArg);
+    init.nulls(down ? std::vector<int>{} : std::vector<int>{3}).sizes();
+    refusesShapes<2, 4>(init).template refuses<3>(none.data(), kprStatusBadArg).run();
 
-    Kpr8u buffer[64];
-    ASSERT_EQ(init(&state, KprSize{7, 3}, 2.0F, kernel.data(), 3, 2, memory.data(), buffer), kprStatusOk);
     const KprSize larger = {7, 3}, smaller = {4, 2};
-    auto processing = LADDER(make);
-    processing.channels({channels, channels})
+    State* state = nullptr;
+    Kpr8u buffer[64];
+    ASSERT_EQ(functions.init(&state, larger, 2.0F, kernel.data(), 3, 2, memory.data(), buffer), kprStatusOk);
+    auto make = test::Ladder("make", functions.make);
+    make.channels({functions.channels, functions.channels})
         .template with<2>(down ? larger : smaller)
         .template with<5>(down ? smaller : larger)
         .template with<6>(state)
         .nulls()
         .sizes()
         .lengths({down ? 0 : 1});
-    processing.template refuses<down ? 4 : 1>(4 * channels * static_cast<int>(sizeof(T)) - 1, kprStatusBadStep);
-    if (sizeof(T) > 1) processing.multiples({0, 1});
+    const int shortRow = 4 * functions.channels * static_cast<int>(sizeof(T)) - 1;
+    make.template refuses<down ? 4 : 1>(shortRow, kprStatusBadStep);
+    if (sizeof(T) > 1) make.multiples({0, 1});
     const auto lower = [](KprSize roi) { return KprSize{roi.width, 1}; };
-    processing.template refuses<5>(lower(down ? smaller : larger), kprStatusBadSize)
+    make.template refuses<5>(lower(down ? smaller : larger), kprStatusBadSize)
         .template refuses<2>(lower(down ? larger : smaller), kprStatusBadArg)
         .run();
 }
 
-#define LADDERS(type, form, channels)                                                                              \
-    checkLadders<Kpr##type>(kpriPyramidLayerDownGetSize_##type##_##form, kpriPyramidLayerDownInit_##type##_##form, \
-                            kpriPyramidLayerDown_##type##_##form, static_cast<KprPyramidDownState*>(nullptr),      \
-                            channels);                                                                             \
-    checkLadders<Kpr##type>(kpriPyramidLayerUpGetSize_##type##_##form, kpriPyramidLayerUpInit_##type##_##form,     \
-                            kpriPyramidLayerUp_##type##_##form, static_cast<KprPyramidUpState*>(nullptr), channels)
-
 TEST(PyramidLayer, Ladders) {
-    LADDERS(8u, C1R, 1);
-    LADDERS(8u, C3R, 3);
-    LADDERS(16u, C1R, 1);
-    LADDERS(16u, C3R, 3);
-    LADDERS(32f, C1R, 1);
-    LADDERS(32f, C3R, 3);
+    checkLadders(kDown8uC1), checkLadders(kDown8uC3), checkLadders(kUp8uC1), checkLadders(kUp8uC3);
+    checkLadders(kDown16uC1), checkLadders(kDown16uC3), checkLadders(kUp16uC1), checkLadders(kUp16uC3);
+    checkLadders(kDown32fC1), checkLadders(kDown32fC3), checkLadders(kUp32fC1), checkLadders(kUp32fC3);
 }
 
 // The state of another type or number of channels is refused, and so is a layer's in the other direction.
