@@ -30,7 +30,7 @@ double bestRate(std::size_t bytes, Run run) {
 typedef std::uint64_t Words __attribute__((vector_size(64), aligned(8), may_alias));
 
 // Four independent chains: bound by nothing but the loads.
-__attribute__((target("arch=x86-64-v4"))) std::uint64_t readAll(const std::vector<std::uint64_t>& words) {
+__attribute__((target("arch=" KPRCV_PROCESSOR))) std::uint64_t readAll(const std::vector<std::uint64_t>& words) {
     const Words* v = reinterpret_cast<const Words*>(words.data());
     Words a{}, b{}, c{}, d{};
     for (std::size_t i = 0; i + 4 <= words.size() / 8; i += 4) {
@@ -43,7 +43,7 @@ __attribute__((target("arch=x86-64-v4"))) std::uint64_t readAll(const std::vecto
     return a[0] ^ a[1] ^ a[2] ^ a[3] ^ a[4] ^ a[5] ^ a[6] ^ a[7];
 }
 
-__attribute__((target("arch=x86-64-v4"))) void updateAll(std::vector<std::uint64_t>& words) {
+__attribute__((target("arch=" KPRCV_PROCESSOR))) void updateAll(std::vector<std::uint64_t>& words) {
     Words* v = reinterpret_cast<Words*>(words.data());
     for (std::size_t i = 0; i < words.size() / 8; ++i) v[i] += 1;
 }
