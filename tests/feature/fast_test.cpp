@@ -146,7 +146,7 @@ void checkSearch(const Fast& fast, KprSize size, KprPoint offset, KprSize roi, R
                                   block.spec()),
               kprStatusOk);
     ASSERT_EQ(count, static_cast<int>(list.size()));
-    EXPECT_EQ(std::memcmp(records, list.data(), sizeof(KprFastNCorner) * list.size()), 0);
+    EXPECT_TRUE(list.empty() || std::memcmp(records, list.data(), sizeof(KprFastNCorner) * list.size()) == 0);
 }
 
 Fast anyFast(int i, Random& random) {
