@@ -1,16 +1,19 @@
 // Layers of bytes at rate 2 with few and small taps: the sums of the general way are all exact in single precision, so
 // that words give the same pixels.
 //
-// Down, with taps a b c b a that add up to s, a power of 2: a column and then a row of a * (p[-2] + p[2]) + b * (p[-1] +
-// p[1]) + c * p[0] is at most 255 * s * s, 65280 with s = 16, and a pixel is that, and half of s * s, divided by s * s.
+// Down, with taps a b c b a that add up to s, a power of 2: a column and then a row of a * (p[-2] + p[2]) + b * (p[-1]
+// + p[1]) + c * p[0] is at most 255 * s * s, 65280 with s = 16, and a pixel is that, and half of s * s, divided by
+// s * s.
 //
 // Up, every other pixel lies at one of the source, with even = 2 * a + b, the others between two of them:
 //
-//     (even * p[-1] + (2 * s - 2 * even) * p[0] + even * p[1]) / 2s = p[0] + even * (p[-1] + p[1] - 2 * p[0]) / 2s
-//     (a * p[-1] + (s - a) * (p[0] + p[1]) + a * p[2]) / 2s  =  (p[0] + p[1]) / 2 + a * (p[-1] + p[2] - p[0] - p[1]) / 2s
+//     (even * p[-1] + (2 * s - 2 * even) * p[0] + even * p[1]) / 2s
+//         = p[0] + even * (p[-1] + p[1] - 2 * p[0]) / 2s
+//     (a * p[-1] + (s - a) * (p[0] + p[1]) + a * p[2]) / 2s
+//         = (p[0] + p[1]) / 2 + a * (p[-1] + p[2] - p[0] - p[1]) / 2s
 //
-// Columns are 2s times that, at most 8160. Rows of those, and half of 4 * s * s, divided by 4 * s * s are formed from the
-// right sides, the second terms divided first and rounded down, which does not change the whole quotient. So are
+// Columns are 2s times that, at most 8160. Rows of those, and half of 4 * s * s, divided by 4 * s * s are formed from
+// the right sides, the second terms divided first and rounded down, which does not change the whole quotient. So are
 // pixels made that read neither a reflection nor the last pixel twice; the others come from the weights.
 #pragma once
 

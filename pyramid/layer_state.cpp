@@ -20,7 +20,8 @@ namespace {
 
 constexpr Kpr64s kAlignment = 64, kLanesOfRow = kLanes<Kpr32f>;
 
-// Behind a working row: vectors are read from any of its pixels on, two at a time.
+// Behind a working row: vectors are read from any of its pixels on, two at a time, and two rows of words with room
+// around them take its place.
 constexpr Kpr64s kBehindRow = 6 * kLanesOfRow;
 
 struct Sizes {
